@@ -1,0 +1,135 @@
+#include "ClassifyCommands.h"
+
+#include "Progress.h"
+#include "Terminal.h"
+
+#include <VLCore/VLPlatformIndependent.h>
+#include <VLFolioEventClassifier/VLEventFolderClassificationResultList.h>
+#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
+
+#include <array>
+#include <cstdlib>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::array allTypes {
+    VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Root,
+    VLEventFolderTypeEnum::Year,    VLEventFolderTypeEnum::Month,
+    VLEventFolderTypeEnum::Day,     VLEventFolderTypeEnum::Event,
+    VLEventFolderTypeEnum::ProjectFolder,
+};
+
+QString nameOf(const VLEventFolderType& type)
+{
+    return type.enumToStringTable()->nameFor(type.value());
+}
+
+VLEventFolderClassificationResultList classified(const QString& rootPath)
+{
+    const Progress progress([] { return "Walking the folders ..."; });
+    const QFileInfo root(rootPath);
+    VLFolioEventClassifier classifier(root);
+    return classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+}
+
+// The root's path and the slash behind it.
+int prefixLength(const QString& rootPath)
+{
+    return static_cast<int>(rootPath.endsWith(u'/') ? rootPath.size() : rootPath.size() + 1);
+}
+
+QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
+{
+    QJsonArray array;
+    const VLOccasionInfoList occasions = result.occasionInformation();
+    for (const VLOccasionInfo& info : occasions) {
+        array.append(QJsonObject { { u"occasion"_s, info.occasion() },
+                                   { u"source"_s, info.source() },
+                                   { u"confidence"_s, info.confidence() } });
+    }
+    return array;
+}
+
+QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
+{
+    const QString path = result.directory().absoluteFilePath();
+    const VLEventFolderType type = result.classification();
+    const QStringList files
+        = VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    const QJsonObject object {
+        { u"path"_s, path },
+        { u"relativePath"_s, path.mid(prefix) },
+        { u"type"_s, nameOf(type) },
+        { u"value"_s, static_cast<int>(type.value()) },
+        { u"files"_s, files.size() },
+        { u"occasions"_s, occasionsOf(result) },
+    };
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+void printSummary(VLEventFolderClassificationResultList& results,
+                  const std::optional<VLEventFolderType>& only)
+{
+    for (const VLEventFolderType type : allTypes) {
+        if (!only || *only == type) {
+            const qsizetype count = results.filtered(type).size();
+            Terminal::writeLine(u"%1 %2"_s.arg(nameOf(type), -13).arg(count));
+        }
+    }
+}
+
+QString explanation(const VLFolioEventClassifier& classifier, const QString& name)
+{
+    QStringList met;
+    if (classifier.matchesProject(name))
+        met.append(u"project"_s);
+    if (classifier.matchesDate(name))
+        met.append(u"date"_s);
+    if (classifier.matchesMonth(name))
+        met.append(u"month"_s);
+    if (classifier.matchesYear(name))
+        met.append(u"year"_s);
+    const QString tests = met.isEmpty() ? u"none"_s : met.join(u", "_s);
+    return nameOf(classifier.eventFolderType(name)) + u" <= "_s + name + u" (tests met: "_s + tests
+        + u')';
+}
+
+int exitCode()
+{
+    return Terminal::flush() ? EXIT_SUCCESS : EXIT_FAILURE;
+}
+
+} // namespace
+
+int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
+{
+    VLEventFolderClassificationResultList results = classified(rootPath);
+    if (commandLine.action == CommandLine::Action::Summary) {
+        printSummary(results, commandLine.type);
+        return exitCode();
+    }
+
+    if (commandLine.type)
+        results = results.filtered(*commandLine.type);
+    const int prefix = prefixLength(rootPath);
+    const bool asJson = commandLine.action == CommandLine::Action::Json;
+    for (const VLEventFolderClassificationResult& result : std::as_const(results))
+        Terminal::writeLine(asJson ? jsonLine(result, prefix) : result.render(prefix));
+    return exitCode();
+}
+
+int ClassifyCommands::explain(const CommandLine& commandLine)
+{
+    const VLFolioEventClassifier classifier { QFileInfo() };
+    for (const QString& name : std::as_const(commandLine.operands))
+        Terminal::writeLine(explanation(classifier, name));
+    return exitCode();
+}

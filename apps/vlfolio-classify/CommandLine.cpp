@@ -1,0 +1,202 @@
+#include "CommandLine.h"
+
+#include <QtCore/QCommandLineOption>
+#include <QtCore/QCommandLineParser>
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct OptionRow
+{
+    QLatin1StringView names; // parted by blanks, the short one first
+    QLatin1StringView valueName;
+    QLatin1StringView description;
+};
+
+constexpr std::array optionTable {
+    OptionRow { "open"_L1, ""_L1, "Open the report even without a desktop or with markup in it."_L1 },
+    OptionRow { "no-open"_L1, ""_L1, "Do not open the report."_L1 },
+    OptionRow { "list"_L1, ""_L1, "Write no report; print a line for each folder."_L1 },
+    OptionRow { "json"_L1, ""_L1,
+                "Write no report; print a JSON object for each folder, one a line."_L1 },
+    OptionRow { "summary"_L1, ""_L1,
+                "Write no report; print how many folders of each type there are."_L1 },
+    OptionRow { "type"_L1, "NAME"_L1,
+                "With --list, --json or --summary: only folders of this type (Unknown, Root, Year, "
+                "Month, Day, Event or ProjectFolder)."_L1 },
+    OptionRow { "explain"_L1, ""_L1,
+                "Take the arguments as folder names and say what each one is by itself. Touches no "
+                "file."_L1 },
+    OptionRow { "locale"_L1, "NAME"_L1,
+                "Read dates and names of days and months in this language, for example de_DE."_L1 },
+    OptionRow { "h help"_L1, ""_L1, "Show this help."_L1 },
+    OptionRow { "v version"_L1, ""_L1, "Show the version."_L1 },
+};
+
+struct ActionRow
+{
+    QLatin1StringView option;
+    CommandLine::Action action;
+};
+
+// The first two win over everything else; of the others only one may be given.
+constexpr std::array actionTable {
+    ActionRow { "help"_L1, CommandLine::Action::Help },
+    ActionRow { "version"_L1, CommandLine::Action::Version },
+    ActionRow { "list"_L1, CommandLine::Action::List },
+    ActionRow { "json"_L1, CommandLine::Action::Json },
+    ActionRow { "summary"_L1, CommandLine::Action::Summary },
+    ActionRow { "explain"_L1, CommandLine::Action::Explain },
+};
+
+void addOptions(QCommandLineParser& parser)
+{
+    for (const OptionRow& row : optionTable) {
+        parser.addOption(QCommandLineOption(QString(row.names).split(u' '), row.description,
+                                            row.valueName));
+    }
+    parser.setApplicationDescription(
+        u"Classifies the folders of a picture collection into years, months, days, events and\n"
+        "project folders, and writes the outcome as an HTML table into DIRECTORY."_s);
+}
+
+std::optional<VLEventFolderType> typeNamed(const QString& name)
+{
+    const auto* const table = VLEventFolderType().enumToStringTable();
+    const VLEventFolderTypeEnum value = table->valueFor(name);
+    // An unknown name reads as Unknown, which has a name of its own.
+    if (table->nameFor(value).compare(name, Qt::CaseInsensitive) != 0)
+        return std::nullopt;
+    return value;
+}
+
+bool namesPartOf(const QLocale& locale, const QString& subtag)
+{
+    return subtag.size() == 4 ? QLocale::codeToScript(subtag) == locale.script()
+                              : QLocale::codeToTerritory(subtag) == locale.territory();
+}
+
+// QLocale takes any name and falls back to what it knows; this takes only what it knows.
+std::optional<QLocale> localeNamed(const QString& name)
+{
+    const QString tag = name.section(u'.', 0, 0).replace(u'-', u'_');
+    if (tag == u"C"_s || tag == u"POSIX"_s)
+        return QLocale::c();
+    const QLocale locale(tag);
+    const QStringList subtags = tag.split(u'_');
+    const bool known = locale.language() != QLocale::C
+        && QLocale::codeToLanguage(subtags.constFirst()) == locale.language()
+        && std::all_of(subtags.cbegin() + 1, subtags.cend(), [&locale](const QString& subtag) {
+               return namesPartOf(locale, subtag);
+           });
+    return known ? std::optional(locale) : std::nullopt;
+}
+
+// Sets the action, or says that two were asked for.
+QString readAction(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    QString chosen;
+    for (const ActionRow& row : actionTable) {
+        if (!parser.isSet(row.option))
+            continue;
+        if (!chosen.isEmpty())
+            return u"--%1 and --%2 do not go together"_s.arg(chosen, row.option);
+        chosen = row.option;
+        commandLine.action = row.action;
+        if (row.action == CommandLine::Action::Help || row.action == CommandLine::Action::Version)
+            break;
+    }
+    return {};
+}
+
+QString readOpening(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    const bool open = parser.isSet(u"open"_s);
+    if (open && parser.isSet(u"no-open"_s))
+        return u"--open and --no-open do not go together"_s;
+    if (open && commandLine.action != CommandLine::Action::Report)
+        return u"--open goes with a report only"_s;
+    if (open)
+        commandLine.opening = CommandLine::Opening::Always;
+    else if (parser.isSet(u"no-open"_s))
+        commandLine.opening = CommandLine::Opening::Never;
+    return {};
+}
+
+QString readType(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    if (!parser.isSet(u"type"_s))
+        return {};
+    constexpr std::array filtered { CommandLine::Action::List, CommandLine::Action::Json,
+                                    CommandLine::Action::Summary };
+    if (std::find(filtered.cbegin(), filtered.cend(), commandLine.action) == filtered.cend())
+        return u"--type goes with --list, --json or --summary only"_s;
+    commandLine.type = typeNamed(parser.value(u"type"_s));
+    if (!commandLine.type)
+        return u"unknown type '%1'"_s.arg(parser.value(u"type"_s));
+    return {};
+}
+
+QString readLocale(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    if (!parser.isSet(u"locale"_s))
+        return {};
+    commandLine.locale = localeNamed(parser.value(u"locale"_s));
+    if (!commandLine.locale)
+        return u"unknown locale '%1'"_s.arg(parser.value(u"locale"_s));
+    return {};
+}
+
+QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    commandLine.operands = parser.positionalArguments();
+    if (commandLine.action == CommandLine::Action::Explain)
+        return commandLine.operands.isEmpty() ? u"--explain needs a folder name"_s : QString();
+    if (commandLine.operands.isEmpty() || commandLine.operands.constFirst().isEmpty())
+        return u"no directory given"_s;
+    if (commandLine.operands.size() > 1)
+        return u"more than one directory given: '%1'"_s.arg(commandLine.operands.at(1));
+    return {};
+}
+
+} // namespace
+
+std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QString* error)
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    if (!parser.parse(arguments)) {
+        *error = parser.errorText();
+        if (error->endsWith(u'.'))
+            error->chop(1);
+        return std::nullopt;
+    }
+
+    CommandLine commandLine;
+    *error = readAction(parser, commandLine);
+    if (error->isEmpty() && (commandLine.action == Action::Help
+                             || commandLine.action == Action::Version)) {
+        return commandLine;
+    }
+    constexpr std::array readers { readOpening, readType, readLocale, readOperands };
+    for (const auto& read : readers) {
+        if (error->isEmpty())
+            *error = read(parser, commandLine);
+    }
+    return error->isEmpty() ? std::optional(commandLine) : std::nullopt;
+}
+
+QString CommandLine::helpText()
+{
+    QCommandLineParser parser;
+    addOptions(parser);
+    // The parser's own first line names the path by which the program was called.
+    const QString generated = parser.helpText();
+    return u"Usage: vlfolio-classify [options] DIRECTORY\n"
+           "       vlfolio-classify [--locale NAME] --explain NAME...\n\n"_s
+        + generated.mid(generated.indexOf(u'\n') + 1).trimmed();
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <VLFolioEventClassifier/VLEventFolderType.h>
+
+#include <QtCore/QLocale>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <optional>
+
+/// What the user asked for, read from the arguments and checked.
+struct CommandLine
+{
+    /// What the program does.
+    enum class Action { Report, List, Json, Summary, Explain, Help, Version };
+    /// When the report is opened: if there is a desktop, never, or in any case.
+    enum class Opening { Desktop, Never, Always };
+
+    Action action = Action::Report;
+    Opening opening = Opening::Desktop;
+    /// Only folders of this type, for List, Json and Summary.
+    std::optional<VLEventFolderType> type;
+    /// The default locale, if not the system's.
+    std::optional<QLocale> locale;
+    /// The directory, or the names to explain.
+    QStringList operands;
+
+    /// Reads \a arguments, the program's name first. Without a value, \a error says in one line
+    /// what is wrong with them.
+    [[nodiscard]] static std::optional<CommandLine> parse(const QStringList& arguments,
+                                                          QString* error);
+
+    /// The text of --help.
+    [[nodiscard]] static QString helpText();
+};

@@ -1,0 +1,81 @@
+#include "HostPlatform.h"
+
+#include "Terminal.h"
+
+#include <QtCore/QRegularExpression>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool holdsMarkup(const QString& name)
+{
+    // What makes a browser start a tag or a comment. A lone "<" between words does not.
+    static const QRegularExpression expression(u"<[A-Za-z!/?]"_s);
+    return name.contains(u'<') && expression.match(name).hasMatch();
+}
+
+bool hasDesktop()
+{
+#if defined(Q_OS_MACOS)
+    return true;
+#else
+    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+#endif
+}
+
+} // namespace
+
+HostPlatform::HostPlatform(CommandLine::Opening opening)
+    : m_opening(opening)
+{
+    setInstance(this);
+}
+
+HostPlatform::~HostPlatform()
+{
+    setInstance(nullptr);
+}
+
+bool HostPlatform::openFile(const QString& path, const QStringList& arguments,
+                            const QString& application)
+{
+    Q_UNUSED(arguments)
+    Q_UNUSED(application)
+    m_reportPath = path;
+    return true;
+}
+
+QStringList HostPlatform::getDirectFilesInDirectory(const QDir& directory) const
+{
+    // The first folder of a report is the root, whose whole path is shown.
+    const bool isRoot = m_folderCount.fetch_add(1, std::memory_order_relaxed) == 0;
+    if (holdsMarkup(isRoot ? directory.path() : directory.dirName()))
+        ++m_markupCount;
+    return VLPlatformIndependent::getDirectFilesInDirectory(directory);
+}
+
+int HostPlatform::folderCount() const
+{
+    return m_folderCount.load(std::memory_order_relaxed);
+}
+
+QString HostPlatform::reportPath() const
+{
+    return m_reportPath;
+}
+
+void HostPlatform::openReport()
+{
+    const bool always = m_opening == CommandLine::Opening::Always;
+    if (m_markupCount > 0) {
+        const QString found = m_markupCount == 1
+            ? u"1 folder name holds markup that a browser would run"_s
+            : u"%1 folder names hold markup that a browser would run"_s.arg(m_markupCount);
+        Terminal::complain(always ? found : found + u"; only --open opens the report"_s);
+    }
+    const bool trusted = m_opening == CommandLine::Opening::Desktop && hasDesktop()
+        && m_markupCount == 0;
+    if (always || trusted)
+        VLPlatformIndependent::openFile(m_reportPath, {}, {});
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "CommandLine.h"
+
+#include <VLCore/VLPlatformIndependent.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <atomic>
+
+/// The platform service of the program: opens the report only when the user wants that and a
+/// browser may be trusted with it. In use for as long as it lives.
+class HostPlatform : public VLPlatformIndependent
+{
+public:
+    explicit HostPlatform(CommandLine::Opening opening);
+    ~HostPlatform() override;
+    Q_DISABLE_COPY_MOVE(HostPlatform)
+
+    /// Opens nothing yet: only openReport() knows whether the report could be written.
+    bool openFile(const QString& path, const QStringList& arguments,
+                  const QString& application) override;
+
+    /// Lists \a directory as the built-in service does. The report asks once for each folder, so
+    /// this is where folders are counted and their names looked at.
+    [[nodiscard]] QStringList getDirectFilesInDirectory(const QDir& directory) const override;
+
+    /// How many folders were listed. May be called from any thread.
+    [[nodiscard]] int folderCount() const;
+
+    /// Path of the report that was to be opened; empty before.
+    [[nodiscard]] QString reportPath() const;
+
+    /// Opens the report, or says why not.
+    void openReport();
+
+private:
+    CommandLine::Opening m_opening;
+    QString m_reportPath;
+    mutable std::atomic<int> m_folderCount = 0;
+    mutable int m_markupCount = 0;
+};

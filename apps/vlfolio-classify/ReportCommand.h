@@ -1,0 +1,14 @@
+#pragma once
+
+#include "CommandLine.h"
+
+#include <QtCore/QString>
+
+/// The command that writes the report.
+namespace ReportCommand {
+
+/// Classifies the folders below \a rootPath, writes the report there, prints its path and opens
+/// it as the command line says. Returns the program's exit code.
+[[nodiscard]] int run(const CommandLine& commandLine, const QString& rootPath);
+
+} // namespace ReportCommand

@@ -1,0 +1,32 @@
+# vl_add_test(NAME SOURCES ... [LIBRARIES ...] [LOCALES ...])
+#
+# A Qt Test executable tst_NAME and a ctest entry for each locale, "NAME" or "NAME.LOCALE". Every
+# entry runs in a time zone far from UTC, so that a date that depends on it shows.
+function(vl_add_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LIBRARIES;LOCALES")
+
+    set(target tst_${name})
+    add_executable(${target} ${arg_SOURCES})
+    set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)
+    target_link_libraries(${target} PRIVATE
+        VLProjectOptions
+        VLTestSupport
+        VLFolioEventClassifier::VLFolioEventClassifier
+        Qt6::Test
+        ${arg_LIBRARIES}
+    )
+    if(NOT arg_LOCALES)
+        vl_add_test_entry(${name} ${target} C.UTF-8)
+    endif()
+    foreach(locale IN LISTS arg_LOCALES)
+        vl_add_test_entry(${name}.${locale} ${target} ${locale})
+    endforeach()
+endfunction()
+
+function(vl_add_test_entry entry target locale)
+    add_test(NAME ${entry} COMMAND ${target} ${ARGN})
+    set_tests_properties(${entry} PROPERTIES
+        ENVIRONMENT "LC_ALL=${locale};LANG=;LANGUAGE=;TZ=Pacific/Auckland;QT_LOGGING_RULES="
+        TIMEOUT 300
+    )
+endfunction()

@@ -1,0 +1,50 @@
+include(CMakePackageConfigHelpers)
+include(GNUInstallDirs)
+include(VLPkgConfig)
+
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/VLFolioEventClassifier")
+
+install(TARGETS VLCore VLFolioEventClassifier
+    EXPORT VLFolioEventClassifierTargets
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT Development
+)
+install(EXPORT VLFolioEventClassifierTargets
+    NAMESPACE VLFolioEventClassifier::
+    DESTINATION "${package_dir}"
+    COMPONENT Development
+)
+configure_package_config_file(
+    "${CMAKE_CURRENT_LIST_DIR}/VLFolioEventClassifierConfig.cmake.in"
+    "${CMAKE_CURRENT_BINARY_DIR}/VLFolioEventClassifierConfig.cmake"
+    INSTALL_DESTINATION "${package_dir}"
+)
+write_basic_package_version_file(
+    "${CMAKE_CURRENT_BINARY_DIR}/VLFolioEventClassifierConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion
+)
+install(FILES
+    "${CMAKE_CURRENT_BINARY_DIR}/VLFolioEventClassifierConfig.cmake"
+    "${CMAKE_CURRENT_BINARY_DIR}/VLFolioEventClassifierConfigVersion.cmake"
+    DESTINATION "${package_dir}"
+    COMPONENT Development
+)
+vl_install_pkgconfig(VLCore
+    "Platform layer of VLFolioEventClassifier"
+    "Qt6Core >= 6.4"
+)
+vl_install_pkgconfig(VLFolioEventClassifier
+    "${PROJECT_DESCRIPTION}"
+    "VLCore = ${PROJECT_VERSION}"
+)
+if(VLFOLIO_BUILD_APPS)
+    install(TARGETS vlfolio-classify
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tools
+    )
+endif()
+
+if(PROJECT_IS_TOP_LEVEL)
+    include(VLPackages)
+endif()

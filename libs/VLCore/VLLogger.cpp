@@ -1,0 +1,27 @@
+#include "VLLogger.h"
+
+#include <QtCore/QLoggingCategory>
+
+namespace {
+
+Q_LOGGING_CATEGORY(folioService, "vl.folio.service", QtInfoMsg)
+
+} // namespace
+
+template class VLSingleton<VLLogger>;
+
+VLLogger::VLLogger() = default;
+
+VLLogger::~VLLogger() = default;
+
+void VLLogger::initialize() { }
+
+void VLLogger::logFolioService(const QString& message)
+{
+    // No debug stream, whose destructor may not fail when memory is short.
+    if (folioService().isInfoEnabled()) {
+        const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
+                                         folioService().categoryName());
+        qt_message_output(QtInfoMsg, context, message);
+    }
+}

@@ -1,0 +1,75 @@
+#include "VLPlatform_p.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QStringDecoder>
+
+#include <cerrno>
+#include <memory>
+#include <new>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+struct CloseDirectory
+{
+    void operator()(DIR* stream) const { ::closedir(stream); }
+};
+using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
+
+// Most file systems say the kind of an entry with its name; only links and the others cost a call.
+bool isOfKind(int directory, const dirent& entry, unsigned char type, mode_t mode)
+{
+    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN)
+        return entry.d_type == type;
+    struct stat target = {};
+    return ::fstatat(directory, entry.d_name, &target, 0) == 0 && (target.st_mode & S_IFMT) == mode;
+}
+
+// Decoding replaces what is not UTF-8, so that the way back does not lead to the same bytes.
+bool isUndecodable(const char* name, const QString& decoded)
+{
+    return decoded.contains(QChar::ReplacementCharacter) && decoded.toUtf8() != name;
+}
+
+} // namespace
+
+VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringList& arguments,
+                                            const QString& application)
+{
+    if (application.isEmpty())
+        return { u"xdg-open"_s, { path } };
+    return { application, arguments + QStringList { path } };
+}
+
+VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
+{
+    Listing listing;
+    const DirectoryStream stream(::opendir(QFile::encodeName(path).constData()));
+    if (!stream && errno == ENOMEM)
+        throw std::bad_alloc();
+    if (!stream)
+        return listing;
+    const int directory = ::dirfd(stream.get());
+    // A byte order mark in front is part of the name; QFile::decodeName() drops it.
+    QStringDecoder decode(QStringDecoder::Utf8,
+                          QStringDecoder::Flag::Stateless
+                              | QStringDecoder::Flag::ConvertInitialBom);
+    while (const dirent* const entry = ::readdir(stream.get())) {
+        const QString name = decode(QByteArrayView(entry->d_name));
+        const bool undecodable = isUndecodable(entry->d_name, name);
+        listing.holdsUndecodableName |= undecodable;
+        if (name.startsWith(u'.'))
+            continue;
+        if (wanted == Wanted::Files && isOfKind(directory, *entry, DT_REG, S_IFREG))
+            listing.files.append(name);
+        else if (wanted == Wanted::Directories && !undecodable
+                 && isOfKind(directory, *entry, DT_DIR, S_IFDIR))
+            listing.directories.append(name);
+    }
+    return listing;
+}

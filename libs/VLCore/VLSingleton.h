@@ -1,0 +1,50 @@
+#pragma once
+
+#include "VLGlobal.h"
+
+#include <QtCore/QReadLocker>
+#include <QtCore/QReadWriteLock>
+#include <QtCore/QWriteLocker>
+
+/// Gives access to the one object of a class that the whole process shares, made on first use.
+///
+/// \code
+/// VLSingleton<VLLogger>::instance()->logFolioService(u"message"_s);
+/// \endcode
+///
+/// \tparam T a class with a default constructor and an operation `initialize()`.
+template <typename T>
+class VL_TEMPLATE_EXPORT VLSingleton
+{
+public:
+    /// There are no objects of this class.
+    VLSingleton() = delete;
+    /// Never runs.
+    virtual ~VLSingleton() = default; // GCOV_EXCL_LINE: there are no objects
+    Q_DISABLE_COPY_MOVE(VLSingleton)
+
+    /// Returns the instance, never null. The first call makes it and then calls its
+    /// `initialize()` once. It is never deleted, so the pointer may be kept. May be called from
+    /// any thread, which may wait for one that is just making the instance; `initialize()` itself
+    /// must not call it, since the lock is not recursive. If the constructor throws, the next call
+    /// tries again.
+    [[nodiscard]] static T* instance();
+};
+
+template <typename T>
+T* VLSingleton<T>::instance()
+{
+    static QReadWriteLock lock;
+    static T* myInstance = nullptr;
+    {
+        const QReadLocker reader(&lock);
+        if (myInstance != nullptr)
+            return myInstance;
+    }
+    const QWriteLocker writer(&lock);
+    if (myInstance == nullptr) {
+        myInstance = new T;
+        myInstance->initialize();
+    }
+    return myInstance;
+}

@@ -1,0 +1,164 @@
+#include "VLClassificationResultsRendererHTML.h"
+
+#include <VLCore/VLPlatformIndependent.h>
+
+#include <QtCore/QDebug>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView style("\t<style>\n"
+                                  "\t.Unknown {color: #eeaaaa;}\n"
+                                  "\t.Root    {color: #000000;}\n"
+                                  "\t.Year    {color: #dd0909;}\n"
+                                  "\t.Month   {color: #09dd09;}\n"
+                                  "\t.Day     {color: #0909dd;}\n"
+                                  "\t.Event   {color: #0707dd;}\n"
+                                  "\ttable    {text-align:left; width:100%;}\n"
+                                  "\tth       {border-bottom: 2px solid #101010;}\n"
+                                  "\ttd       {border-bottom: 1px solid #101010;}\n"
+                                  "\t</style>\n");
+constexpr QLatin1StringView tableStart("\t\t<table>\n"
+                                       "\t\t\t<tr>\n"
+                                       "\t\t\t\t<th>Classification</th>\n"
+                                       "\t\t\t\t<th>Directory</th>\n"
+                                       "\t\t\t\t<th>Count</th>\n"
+                                       "\t\t\t\t<th>Occasion</th>\n"
+                                       "\t\t\t</tr>\n");
+constexpr QLatin1StringView tableEnd("\t\t</table>\n");
+
+QString typeName(const VLEventFolderType& type)
+{
+    return type.enumToStringTable()->nameFor(type.value());
+}
+
+int directFileCount(const QString& path)
+{
+    const QStringList files =
+        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    return static_cast<int>(files.size());
+}
+
+QString occasionText(const VLOccasionInfoList& occasions)
+{
+    // Not the list's own text for an empty list, which is spelled "no Data".
+    return occasions.isEmpty() ? u"no data"_s : occasions.description();
+}
+
+// The messages are made before they are sent: a debug stream sends what it has got even when memory
+// runs out on the way, and its destructor may not fail.
+QString removalText(const QString& path, bool removed)
+{
+    QString text;
+    QDebug(&text) << "removing file" << path << "succeeded: " << removed;
+    return text.chopped(1);
+}
+
+QString failureText(const QFileInfo& reportFile, const QFile& file)
+{
+    QString text;
+    QDebug(&text) << "Could not write to file" << reportFile << static_cast<int>(file.error())
+                  << file.errorString();
+    return text.chopped(1);
+}
+
+void writeCell(QTextStream& stream, const QString& text)
+{
+    stream << "\t\t\t\t<td>"_L1 << text << "</td>\n"_L1;
+}
+
+} // namespace
+
+VLClassificationResultsRendererHTML::VLClassificationResultsRendererHTML(
+    const QList<VLEventFolderClassificationResult>& classificationResults, int prefixLength,
+    const QStringList& fileNameFilters)
+    : rootPathLength(prefixLength)
+    , nameFilters(fileNameFilters)
+{
+    // Not a shared copy, which sorting would have to detach: that crashes where memory is short.
+    results.append(classificationResults);
+    std::sort(results.begin(), results.end(), isSmaller);
+}
+
+VLClassificationResultsRendererHTML::~VLClassificationResultsRendererHTML() = default;
+
+bool VLClassificationResultsRendererHTML::isSmaller(const VLEventFolderClassificationResult& first,
+                                                    const VLEventFolderClassificationResult& second)
+{
+    return first.directory().absoluteFilePath() < second.directory().absoluteFilePath();
+}
+
+// Not const: the name of this function, as the compiler spells it, is part of the messages.
+void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFile)
+{
+    const QString path = reportFile.absoluteFilePath();
+    QFile file(path);
+    // The member, not the static function: it is true for a link that leads nowhere, too.
+    if (file.exists()) {
+        const bool removed = file.remove();
+        qDebug("%ls", qUtf16Printable(removalText(path, removed)));
+    }
+    if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        QTextStream stream(&file);
+        writeHTMLHeader(stream);
+        writeTableStart(stream);
+        for (const VLEventFolderClassificationResult& result : std::as_const(results))
+            writeTableEntry(stream, result);
+        stream << tableEnd;
+        writeHTMLEnd(stream);
+        stream.flush();
+        file.close();
+    } else {
+        qWarning("%ls", qUtf16Printable(failureText(reportFile, file)));
+    }
+    VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
+}
+
+void VLClassificationResultsRendererHTML::writeHTMLHeader(QTextStream& stream) const
+{
+    stream << "<html>\n"_L1;
+    writeStyle(stream);
+    stream << "\t<body>\n"_L1;
+}
+
+void VLClassificationResultsRendererHTML::writeStyle(QTextStream& stream) const
+{
+    stream << style;
+}
+
+void VLClassificationResultsRendererHTML::writeTableStart(QTextStream& stream) const
+{
+    stream << tableStart;
+}
+
+void VLClassificationResultsRendererHTML::writeTableEntry(
+    QTextStream& stream, const VLEventFolderClassificationResult& result) const
+{
+    const VLEventFolderType type = result.classification();
+    const QString path = result.directory().absoluteFilePath();
+    const bool isRoot = type == VLEventFolderTypeEnum::Root;
+
+    stream << "\t\t\t<tr class="_L1 << typeName(type) << ">\n"_L1;
+    writeCell(stream, typeName(type));
+    writeCell(stream, isRoot ? path : path.mid(rootPathLength));
+    writeCell(stream, QString::number(directFileCount(path)));
+    writeCell(stream, occasionText(result.occasionInformation()));
+    stream << "\t\t\t</tr>\n"_L1;
+}
+
+void VLClassificationResultsRendererHTML::writeTableEnd(QTextStream& stream) const
+{
+    stream << tableEnd;
+}
+
+void VLClassificationResultsRendererHTML::writeHTMLEnd(QTextStream& stream) const
+{
+    stream << "\t</body>\n"_L1
+           << "</html>\n"_L1;
+}

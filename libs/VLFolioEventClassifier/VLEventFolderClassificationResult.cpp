@@ -1,0 +1,55 @@
+#include "VLEventFolderClassificationResult.h"
+
+using namespace Qt::StringLiterals;
+
+VLEventFolderClassificationResult::VLEventFolderClassificationResult() = default;
+
+VLEventFolderClassificationResult::VLEventFolderClassificationResult(
+    const QFileInfo& directory, const VLEventFolderType& classification)
+    : m_directory(directory)
+    , m_classification(classification)
+{
+}
+
+VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = default;
+
+bool VLEventFolderClassificationResult::operator==(
+    const VLEventFolderClassificationResult& other) const
+{
+    return m_classification == other.m_classification && m_directory == other.m_directory;
+}
+
+QFileInfo VLEventFolderClassificationResult::directory() const
+{
+    return m_directory;
+}
+
+VLEventFolderType VLEventFolderClassificationResult::classification() const
+{
+    return m_classification;
+}
+
+VLOccasionInfoList VLEventFolderClassificationResult::occasionInformation() const
+{
+    return m_occasionInformation;
+}
+
+void VLEventFolderClassificationResult::setOccasionInformation(
+    const VLOccasionInfoList& occasionInformation)
+{
+    m_occasionInformation = occasionInformation;
+}
+
+QString VLEventFolderClassificationResult::render(int prefixLength) const
+{
+    const QString path = m_directory.absoluteFilePath().mid(prefixLength);
+    const QString name = m_classification.enumToStringTable()->nameFor(m_classification.value());
+    // Two substitutions, the path first: the second one also fills a placeholder of the path.
+    const QString line = u"%2 <= %1"_s.arg(path);
+    return line.arg(name, 7);
+}
+
+void VLEventFolderClassificationResult::expandTo(const VLEventFolderType& type)
+{
+    m_classification |= type;
+}

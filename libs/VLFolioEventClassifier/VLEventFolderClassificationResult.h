@@ -1,0 +1,74 @@
+#pragma once
+
+#include "VLEventFolderType.h"
+#include "VLOccasionInfoList.h"
+
+#include <VLCore/VLGlobal.h>
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QString>
+
+/// What the classifier decided for one directory: its type and, if a host adds them, the occasions
+/// suggested for it.
+///
+/// \code
+/// VLEventFolderClassificationResult result(QFileInfo(u"/pictures/2023/07"_s),
+///                                          VLEventFolderTypeEnum::Month);
+/// result.render(10);   // "  Month <= 2023/07"
+/// \endcode
+///
+/// Threads: a value whose parts are implicitly shared; distinct objects, copies included, may be
+/// used from distinct threads.
+class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderClassificationResult
+{
+public:
+    /// Makes a result without a directory (a default-constructed QFileInfo), of the type Unknown,
+    /// with no occasions.
+    VLEventFolderClassificationResult();
+    /// Makes the result of \a directory, which need not exist, with no occasions.
+    VLEventFolderClassificationResult(const QFileInfo& directory,
+                                      const VLEventFolderType& classification);
+    VLEventFolderClassificationResult(const VLEventFolderClassificationResult&) = default;
+    VLEventFolderClassificationResult(VLEventFolderClassificationResult&&) noexcept = default;
+    VLEventFolderClassificationResult&
+    operator=(const VLEventFolderClassificationResult&) = default;
+    VLEventFolderClassificationResult&
+    operator=(VLEventFolderClassificationResult&&) noexcept = default;
+    /// Releases the three values.
+    virtual ~VLEventFolderClassificationResult();
+
+    /// True when the types are the same number and QFileInfo's `operator==` says that the
+    /// directories are the same, which may have to look at the file system. So two directories
+    /// that do not exist are the same, and two default-constructed results are different unless
+    /// one is a copy of the other. Occasions do not count.
+    [[nodiscard]] bool operator==(const VLEventFolderClassificationResult& other) const;
+
+    /// The directory.
+    [[nodiscard]] QFileInfo directory() const;
+    /// Its type, or a combination of types.
+    [[nodiscard]] VLEventFolderType classification() const;
+    /// The occasions suggested for it; empty unless setOccasionInformation() was called.
+    [[nodiscard]] VLOccasionInfoList occasionInformation() const;
+
+    /// Replaces all occasions by those of \a occasionInformation.
+    void setOccasionInformation(const VLOccasionInfoList& occasionInformation);
+
+    /// Returns the result as one line "type <= path". The name of the type is padded on the left
+    /// to seven UTF-16 code units; a combination of types has no name. A path that holds "%0" or
+    /// "%1" takes the name there, and the line keeps a "%2" in its stead.
+    ///
+    /// \param prefixLength how many UTF-16 code units are left out at the start of the directory's
+    ///     absolute path (QFileInfo::absoluteFilePath()). A negative number leaves out none, one
+    ///     beyond the path all of it.
+    [[nodiscard]] QString render(int prefixLength) const;
+
+    /// Adds the flags of \a type to the classification. Nothing ever takes a flag away.
+    void expandTo(const VLEventFolderType& type);
+
+private:
+    QFileInfo m_directory;
+    VLEventFolderType m_classification;
+    VLOccasionInfoList m_occasionInformation;
+};
+
+Q_DECLARE_TYPEINFO(VLEventFolderClassificationResult, Q_RELOCATABLE_TYPE);

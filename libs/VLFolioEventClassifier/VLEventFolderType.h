@@ -1,0 +1,58 @@
+#pragma once
+
+#include <VLCore/VLEnumWrapper.h>
+#include <VLCore/VLGlobal.h>
+
+/// What kind of folder a directory is within a collection of pictures. The values are bit flags
+/// and may be combined; the names in quotes are those that the shared table of names holds.
+enum class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderTypeEnum : qint32 {
+    /// No type, "Unknown". The only value that is not valid.
+    Unknown = 0,
+    /// The root of the collection, "Root".
+    Root = 1,
+    /// Pictures of one year, "Year".
+    Year = 2,
+    /// Pictures of one month, "Month".
+    Month = 4,
+    /// Pictures of one day of an event, "Day".
+    Day = 8,
+    /// Pictures of one event, "Event".
+    Event = 16,
+    /// Data of a project, "ProjectFolder".
+    ProjectFolder = 32,
+};
+
+/// Type of an event folder: a value class around VLEventFolderTypeEnum that compares, combines and
+/// prints it.
+///
+/// \code
+/// VLEventFolderType type = VLEventFolderTypeEnum::Year;
+/// type.enumToStringTable()->nameFor(type.value());        // "Year"
+/// type |= VLEventFolderTypeEnum::Event;                   // 18, which has no name
+/// type == VLEventFolderTypeEnum::Event;                   // false: the numbers differ
+/// type.reducedTo(VLEventFolderTypeEnum::Event);           // VLEventFolderTypeEnum::Event
+/// \endcode
+///
+/// Threads: a plain value, see VLEnumWrapper.
+class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderType : public VLEnumWrapper<VLEventFolderTypeEnum>
+{
+public:
+    /// Makes VLEventFolderTypeEnum::Unknown.
+    VLEventFolderType() noexcept = default;
+    /// Makes the given type, or combination of types. Implicit on purpose.
+    VLEventFolderType(VLEventFolderTypeEnum value) noexcept; // NOLINT(google-explicit-constructor)
+    VLEventFolderType(const VLEventFolderType&) noexcept = default;
+    VLEventFolderType(VLEventFolderType&&) noexcept = default;
+    VLEventFolderType& operator=(const VLEventFolderType&) noexcept = default;
+    VLEventFolderType& operator=(VLEventFolderType&&) noexcept = default;
+    /// Releases nothing.
+    ~VLEventFolderType() override;
+
+    /// Inserts the seven names of VLEventFolderTypeEnum into \a table, which must not be null.
+    void fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const override;
+};
+
+// Instantiated once, in this library: with RTLD_LOCAL a module opened at run time might otherwise
+// keep a table of names of its own.
+extern template class VLEnumWrapper<VLEventFolderTypeEnum>;
+extern template class VLEnumToStringTable<VLEventFolderTypeEnum>;

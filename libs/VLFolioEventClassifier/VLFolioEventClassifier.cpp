@@ -1,0 +1,402 @@
+#include "VLFolioEventClassifier.h"
+
+#include "VLClassificationResultsRendererHTML.h"
+
+#include <VLCore/VLLogger.h>
+#include <VLCore/VLPlatformIndependent.h>
+#include <VLCore/VLRegularExpression.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QDate>
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QLocale>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QStringList>
+#include <QtCore/QVersionNumber>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <new>
+#include <system_error>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1StringView projectSuffix("_vlp-Dateien");
+constexpr QLatin1StringView photoLibraryPrefix("photokit");
+
+constexpr std::array formatTypes { QLocale::LongFormat, QLocale::ShortFormat,
+                                   QLocale::NarrowFormat };
+constexpr std::array dateFormats { Qt::TextDate, Qt::RFC2822Date };
+
+// What the least demanding of the date expressions asks for: two digits, two and two.
+constexpr qsizetype shortestShapeDigits = 6;
+
+struct ContextRule
+{
+    VLEventFolderTypeEnum ownType;
+    VLEventFolderTypeEnum parentType;
+};
+
+// What is an event because of where it stands. Days are not in it: they are events everywhere but
+// directly below an event.
+constexpr std::array eventRules {
+    ContextRule { VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Year },
+    ContextRule { VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Month },
+    ContextRule { VLEventFolderTypeEnum::Year, VLEventFolderTypeEnum::Year },
+    ContextRule { VLEventFolderTypeEnum::Year, VLEventFolderTypeEnum::Month },
+    ContextRule { VLEventFolderTypeEnum::Month, VLEventFolderTypeEnum::Month },
+};
+
+bool becomesEvent(const VLEventFolderType& ownType, const VLEventFolderType& parentType)
+{
+    if (ownType == VLEventFolderTypeEnum::Day)
+        return parentType != VLEventFolderTypeEnum::Event;
+    return std::any_of(eventRules.cbegin(), eventRules.cend(),
+                       [&ownType, &parentType](const ContextRule& rule) {
+                           return ownType == rule.ownType && parentType == rule.parentType;
+                       });
+}
+
+QDate toDate(const QLocale& locale, const QString& name, QLocale::FormatType formatType)
+{
+    constexpr int baseYear = 1900;
+#if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
+    return locale.toDate(name, formatType, baseYear);
+#else
+    // Two-digit years are read with this base year anyway.
+    Q_UNUSED(baseYear)
+    return locale.toDate(name, formatType);
+#endif
+}
+
+bool isDayName(const QLocale& locale, const QString& name, QLocale::FormatType formatType)
+{
+    for (int day = 1; day <= 7; ++day) {
+        const QString dayName = locale.dayName(day, formatType);
+        if (!dayName.isEmpty() && dayName == name)
+            return true;
+    }
+    return false;
+}
+
+bool isDayName(const QLocale& locale, const QString& name)
+{
+    return std::any_of(formatTypes.cbegin(), formatTypes.cend(),
+                       [&locale, &name](QLocale::FormatType formatType) {
+                           return isDayName(locale, name, formatType);
+                       });
+}
+
+// A date is written with all the punctuation of its format, which few names have.
+bool holdsPunctuationOf(const QString& format, const QString& name)
+{
+    constexpr QStringView punctuation = u",./-";
+    return std::all_of(format.cbegin(), format.cend(), [&name, punctuation](QChar character) {
+        return !punctuation.contains(character) || name.contains(character);
+    });
+}
+
+bool isLocalDate(const QLocale& locale, const QString& name)
+{
+    // Most locales have one format for two of the types, and a parse costs up to two microseconds.
+    QStringList tried;
+    return std::any_of(formatTypes.cbegin(), formatTypes.cend(),
+                       [&locale, &name, &tried](QLocale::FormatType formatType) {
+                           const QString format = locale.dateFormat(formatType);
+                           if (tried.contains(format) || !holdsPunctuationOf(format, name))
+                               return false;
+                           tried.append(format);
+                           return toDate(locale, name, formatType).isValid();
+                       });
+}
+
+bool isFixedFormatDate(const QString& name)
+{
+    return std::any_of(dateFormats.cbegin(), dateFormats.cend(), [&name](Qt::DateFormat format) {
+        return QDate::fromString(name, format).isValid();
+    });
+}
+
+struct DigitCount
+{
+    qsizetype ascii = 0;
+    qsizetype all = 0;
+};
+
+// Counts the decimal digits, those of other scripts and beyond the basic plane included.
+DigitCount countDigits(const QString& name)
+{
+    DigitCount count;
+    for (qsizetype i = 0; i < name.size(); ++i) {
+        const QChar unit = name.at(i);
+        if (unit >= u'0' && unit <= u'9')
+            ++count.ascii;
+        char32_t character = unit.unicode();
+        if (unit.isHighSurrogate() && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
+            character = QChar::surrogateToUcs4(unit, name.at(++i));
+        if (QChar::isDigit(character))
+            ++count.all;
+    }
+    return count;
+}
+
+// A search that lacked memory says "invalid" and nothing else. Only text that is not UTF-16 cannot
+// be searched otherwise: the patterns are good.
+bool isFound(const QRegularExpressionMatch& match, const QString& name)
+{
+    if (!match.isValid() && name.isValidUtf16())
+        throw std::bad_alloc();
+    return match.hasMatch();
+}
+
+bool isFound(const VLRegularExpression& expression, const QString& name)
+{
+    return isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
+                                    QRegularExpression::NoMatchOption),
+                   name);
+}
+
+// Qt compiles a pattern once and never again, even if it lacked memory.
+QRegularExpression compiled(const QString& pattern)
+{
+    QRegularExpression expression(pattern);
+    if (!expression.isValid())
+        throw std::bad_alloc();
+    return expression;
+}
+
+bool holdsDateShape(const QString& name)
+{
+    // The vertical bars are separators like the other characters of the class.
+    static const VLRegularExpression expressionYearMonthDay(
+        uR"(\d{4}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
+    static const VLRegularExpression expressionDayMonthYear(
+        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{4})"_s, QRegularExpression::NoPatternOption);
+    static const VLRegularExpression expressionTwoCharYearAndDay(
+        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
+
+    return isFound(expressionYearMonthDay, name) || isFound(expressionDayMonthYear, name)
+        || isFound(expressionTwoCharYearAndDay, name);
+}
+
+QStringList namesOfMonths(const QLocale& locale)
+{
+    QStringList names;
+    for (int month = 1; month <= 12; ++month) {
+        names.append(locale.monthName(month, QLocale::LongFormat));
+        names.append(locale.monthName(month, QLocale::ShortFormat));
+        names.append(QString::number(month, 10));
+        if (month <= 9)
+            names.append(u"0"_s.append(QString::number(month, 10)));
+    }
+    return names;
+}
+
+// True when the canonical path of the directory cannot end with its own name: it may be a link, or
+// the name leads elsewhere.
+bool mayBearAnotherName(const QFileInfo& directory, const QString& name)
+{
+    return name.isEmpty() || name == "."_L1 || name == ".."_L1 || directory.isSymLink();
+}
+
+// QFileInfo compares canonical paths, at the cost of a system call for each component of a path.
+// This finds most directories different without one: what is no link keeps its name in its
+// canonical path. Two paths of different files have different canonical paths, too. Everything
+// else is for QFileInfo to decide.
+bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
+{
+    if (!directory.isNativePath() || !root.isNativePath())
+        return false;
+    const QString name = directory.fileName();
+    const QString rootPath = root.canonicalFilePath();
+    if (!rootPath.isEmpty() && !mayBearAnotherName(directory, name)
+        && name != QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1)) {
+        return true;
+    }
+    std::error_code error;
+    const bool isOneFile =
+        std::filesystem::equivalent(QFile::encodeName(directory.filePath()).constData(),
+                                    QFile::encodeName(root.filePath()).constData(), error);
+    return !isOneFile && !error;
+}
+
+// One level of the walk. It lives on the heap, and what works on it is not inlined: a tree may be
+// two thousand levels deep, and a thread may have half a megabyte of stack.
+struct Level
+{
+    VLEventFolderClassificationResult result;
+    QFileInfoList subdirectories;
+};
+
+// Up to Qt 6.4 a listing passes over a name that it cannot decode; later it ends there.
+bool listingEndsAtUndecodableName()
+{
+    static const bool ends = QLibraryInfo::version() >= QVersionNumber(6, 5);
+    return ends;
+}
+
+QFileInfoList sortedEntries(const QDir& directory, QStringList names)
+{
+    std::sort(names.begin(), names.end());
+    QFileInfoList entries;
+    for (const QString& name : std::as_const(names))
+        entries.append(QFileInfo(directory, name));
+    return entries;
+}
+
+QFileInfoList subdirectories(const QFileInfo& directory)
+{
+    const QDir dir(directory.absoluteFilePath());
+    if (listingEndsAtUndecodableName()) {
+        if (auto names = VLPlatformIndependent::directoriesBesideUndecodableNames(dir))
+            return sortedEntries(dir, std::move(*names));
+    }
+    return dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+}
+
+Q_NEVER_INLINE std::unique_ptr<const Level>
+levelOf(VLFolioEventClassifier& classifier, const QFileInfo& directory,
+        const VLEventFolderClassificationResult& parentResult)
+{
+    return std::make_unique<const Level>(
+        Level { classifier.contextDependentEventFolderType(directory, parentResult),
+                subdirectories(directory) });
+}
+
+// Appends: a list made of an initializer list crashes where there is no memory for it.
+Q_NEVER_INLINE QList<VLEventFolderClassificationResult>
+startingWith(const VLEventFolderClassificationResult& result)
+{
+    QList<VLEventFolderClassificationResult> results;
+    results.append(result);
+    return results;
+}
+
+Q_NEVER_INLINE void moveTo(QList<VLEventFolderClassificationResult>& results,
+                           QList<VLEventFolderClassificationResult>&& subtree)
+{
+    results.append(std::move(subtree));
+}
+
+} // namespace
+
+VLFolioEventClassifier::VLFolioEventClassifier(const QFileInfo& root)
+    : rootDirectory(root)
+{
+}
+
+VLFolioEventClassifier::~VLFolioEventClassifier() = default;
+
+void VLFolioEventClassifier::start()
+{
+    VLSingleton<VLLogger>::instance()->logFolioService(u"startClassifyEvent"_s);
+
+    const QList<VLEventFolderClassificationResult> results =
+        eventFolderTypes(rootDirectory, VLEventFolderClassificationResult());
+    const QString rootPath = rootDirectory.absoluteFilePath();
+    const QFileInfo reportFile(QDir(rootPath), u"vela.classification.results.html"_s);
+    QStringList nameFilters;
+    nameFilters.append(u"*.*"_s);
+    VLClassificationResultsRendererHTML renderer(results, static_cast<int>(rootPath.size()),
+                                                 nameFilters);
+    renderer.renderToFile(reportFile);
+    VLPlatformIndependent::instance()->openFile(reportFile.absoluteFilePath(), {}, {});
+}
+
+QList<VLEventFolderClassificationResult>
+VLFolioEventClassifier::eventFolderTypes(const QFileInfo& directory,
+                                         const VLEventFolderClassificationResult& parentResult)
+{
+    if (QCoreApplication::closingDown())
+        return {};
+
+    const std::unique_ptr<const Level> level = levelOf(*this, directory, parentResult);
+    QList<VLEventFolderClassificationResult> results = startingWith(level->result);
+    for (const QFileInfo& subdirectory : level->subdirectories)
+        moveTo(results, eventFolderTypes(subdirectory, level->result));
+    return results;
+}
+
+VLEventFolderClassificationResult VLFolioEventClassifier::contextDependentEventFolderType(
+    const QFileInfo& directory, const VLEventFolderClassificationResult& parentResult)
+{
+    VLEventFolderClassificationResult result = eventFolderType(directory);
+    if (becomesEvent(result.classification(), parentResult.classification()))
+        result = VLEventFolderClassificationResult(directory, VLEventFolderTypeEnum::Event);
+    return result;
+}
+
+VLEventFolderClassificationResult
+VLFolioEventClassifier::eventFolderType(const QFileInfo& directory) const
+{
+    if (!isCertainlyAnother(directory, rootDirectory) && directory == rootDirectory)
+        return { directory, VLEventFolderTypeEnum::Root };
+    if (directory.absoluteFilePath().startsWith(photoLibraryPrefix, Qt::CaseSensitive))
+        return { directory, VLEventFolderTypeEnum::Event };
+    return { directory, eventFolderType(directory.fileName()) };
+}
+
+VLEventFolderType VLFolioEventClassifier::eventFolderType(const QString& name) const
+{
+    if (name.endsWith(projectSuffix, Qt::CaseSensitive))
+        return VLEventFolderTypeEnum::ProjectFolder;
+    if (matchesDate(name))
+        return VLEventFolderTypeEnum::Day;
+    if (matchesMonth(name))
+        return VLEventFolderTypeEnum::Month;
+    if (matchesYear(name))
+        return VLEventFolderTypeEnum::Year;
+    return VLEventFolderTypeEnum::Unknown;
+}
+
+bool VLFolioEventClassifier::matchesProject(const QString& name) const
+{
+    return name.endsWith(projectSuffix, Qt::CaseSensitive);
+}
+
+bool VLFolioEventClassifier::matchesApplePhotos(const QString& path) const
+{
+    return path.startsWith(photoLibraryPrefix, Qt::CaseSensitive);
+}
+
+bool VLFolioEventClassifier::matchesDate(const QString& name) const
+{
+    // Only the answer counts, not the order: what costs least comes first.
+    const DigitCount digits = countDigits(name);
+    if (digits.ascii >= shortestShapeDigits && holdsDateShape(name))
+        return true;
+
+    const QLocale defaultLocale;
+    const QLocale systemLocale = QLocale::system();
+    // One locale gives the same answer twice.
+    const bool isOneLocale = defaultLocale == systemLocale;
+    // No language names a day with two digits, and none writes a date with less than two.
+    if (digits.all < 2)
+        return isDayName(defaultLocale, name) || (!isOneLocale && isDayName(systemLocale, name));
+    return isLocalDate(defaultLocale, name) || (!isOneLocale && isLocalDate(systemLocale, name))
+        || isFixedFormatDate(name);
+}
+
+bool VLFolioEventClassifier::matchesMonth(const QString& name) const
+{
+    // The language of the first call stays: one process, one set of month folders.
+    static const QStringList monthNames = namesOfMonths(QLocale());
+    return monthNames.contains(name, Qt::CaseSensitive);
+}
+
+bool VLFolioEventClassifier::matchesYear(const QString& name) const
+{
+    static const QRegularExpression expression = compiled(uR"(2\d{3})"_s);
+    // Most names have no such digit, and even a failing search costs more than this look.
+    return name.contains(u'2')
+        && isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
+                                    QRegularExpression::NoMatchOption),
+                   name);
+}

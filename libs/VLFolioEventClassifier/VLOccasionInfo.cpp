@@ -1,0 +1,41 @@
+#include "VLOccasionInfo.h"
+
+using namespace Qt::StringLiterals;
+
+VLOccasionInfo::VLOccasionInfo() = default;
+
+VLOccasionInfo::VLOccasionInfo(const QString& occasion, const QString& source, double confidence)
+    : m_occasion(occasion)
+    , m_source(source)
+    , m_confidence(confidence)
+{
+}
+
+VLOccasionInfo::~VLOccasionInfo() = default;
+
+QString VLOccasionInfo::occasion() const
+{
+    return m_occasion;
+}
+
+QString VLOccasionInfo::source() const
+{
+    return m_source;
+}
+
+double VLOccasionInfo::confidence() const
+{
+    return m_confidence;
+}
+
+QString VLOccasionInfo::description() const
+{
+    // One substitution of all three: a "%2" within the occasion stays as it is.
+    return u"%1 (%2, %3)"_s.arg(m_occasion, QString::number(m_confidence, 'g', 6), m_source);
+}
+
+bool VLOccasionInfo::operator==(const VLOccasionInfo& other) const
+{
+    return m_confidence == other.m_confidence && m_occasion == other.m_occasion
+        && m_source == other.m_source;
+}

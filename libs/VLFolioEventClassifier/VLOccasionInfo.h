@@ -1,0 +1,52 @@
+#pragma once
+
+#include <VLCore/VLGlobal.h>
+
+#include <QtCore/QString>
+
+/// An occasion suggested for an event: what it was, what said so, and how sure that is.
+///
+/// \code
+/// VLOccasionInfo(u"Birthday"_s, u"Calendar"_s, 0.9).description();   // "Birthday (0.9, Calendar)"
+/// \endcode
+///
+/// Threads: a plain value; distinct objects may be used from distinct threads.
+class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfo
+{
+public:
+    /// Makes a record with an empty occasion, an empty source and the confidence 0.0.
+    VLOccasionInfo();
+    /// Makes a record of the three values as they are: empty strings, negative numbers, infinities
+    /// and NaN are all stored.
+    ///
+    /// \param occasion name of the occasion.
+    /// \param source what the occasion was derived from.
+    /// \param confidence how sure it is, on a scale that is the caller's.
+    VLOccasionInfo(const QString& occasion, const QString& source, double confidence);
+    VLOccasionInfo(const VLOccasionInfo&) = default;
+    VLOccasionInfo(VLOccasionInfo&&) noexcept = default;
+    VLOccasionInfo& operator=(const VLOccasionInfo&) = default;
+    VLOccasionInfo& operator=(VLOccasionInfo&&) noexcept = default;
+    /// Releases the two strings.
+    virtual ~VLOccasionInfo();
+
+    /// Name of the occasion.
+    [[nodiscard]] QString occasion() const;
+    /// What the occasion was derived from.
+    [[nodiscard]] QString source() const;
+    /// How sure the occasion is.
+    [[nodiscard]] double confidence() const;
+
+    /// Returns the record as "occasion (confidence, source)". The confidence has at most six
+    /// significant digits, as QString::number() writes them in the format 'g': 0.85, 1, 1.2e-05.
+    [[nodiscard]] QString description() const;
+
+    /// True when confidences, occasions and sources are exactly equal; the strings are compared
+    /// case-sensitively. A record with the confidence NaN is not even equal to itself.
+    [[nodiscard]] bool operator==(const VLOccasionInfo& other) const;
+
+private:
+    QString m_occasion;
+    QString m_source;
+    double m_confidence = 0.0;
+};

@@ -1,0 +1,40 @@
+#include "VLOccasionInfoList.h"
+
+using namespace Qt::StringLiterals;
+
+VLOccasionInfoList::~VLOccasionInfoList() = default;
+
+QStringList VLOccasionInfoList::occasions() const
+{
+    QStringList texts;
+    texts.reserve(size());
+    for (const VLOccasionInfo& info : *this)
+        texts.append(info.occasion());
+    return texts;
+}
+
+QStringList VLOccasionInfoList::occassions() const
+{
+    return occasions();
+}
+
+QStringList VLOccasionInfoList::descriptions() const
+{
+    QStringList texts;
+    texts.reserve(size());
+    for (const VLOccasionInfo& info : *this)
+        texts.append(info.description());
+    return texts;
+}
+
+QString VLOccasionInfoList::description() const
+{
+    if (isEmpty())
+        return u"no Data"_s;
+    return descriptions().join(u"; "_s);
+}
+
+QString VLOccasionInfoList::occasion() const
+{
+    return occasions().join(u","_s);
+}

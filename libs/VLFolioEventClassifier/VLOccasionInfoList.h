@@ -1,0 +1,45 @@
+#pragma once
+
+#include "VLOccasionInfo.h"
+
+#include <VLCore/VLGlobal.h>
+
+#include <QtCore/QList>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+/// List of the occasions suggested for one event, with their texts joined. It is a QList in every
+/// other respect.
+///
+/// \code
+/// VLOccasionInfoList list;
+/// list.append(VLOccasionInfo(u"Birthday"_s, u"Calendar"_s, 0.9));
+/// list.append(VLOccasionInfo(u"Party"_s, u"Tags"_s, 0.5));
+/// list.occasion();      // "Birthday,Party"
+/// list.description();   // "Birthday (0.9, Calendar); Party (0.5, Tags)"
+/// \endcode
+///
+/// Threads: as for QList, one writer or any number of readers.
+class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfoList : public QList<VLOccasionInfo>
+{
+public:
+    /// Makes an empty list.
+    VLOccasionInfoList() noexcept = default;
+    VLOccasionInfoList(const VLOccasionInfoList&) noexcept = default;
+    VLOccasionInfoList(VLOccasionInfoList&&) noexcept = default;
+    VLOccasionInfoList& operator=(const VLOccasionInfoList&) = default;
+    VLOccasionInfoList& operator=(VLOccasionInfoList&&) noexcept = default;
+    /// Releases the records.
+    virtual ~VLOccasionInfoList();
+
+    /// The occasions of all records, in list order.
+    [[nodiscard]] QStringList occasions() const;
+    /// The same as occasions(), under the name that earlier callers use.
+    [[nodiscard]] QStringList occassions() const;
+    /// The descriptions of all records, in list order; see VLOccasionInfo::description().
+    [[nodiscard]] QStringList descriptions() const;
+    /// The descriptions joined by "; ", or "no Data" for an empty list.
+    [[nodiscard]] QString description() const;
+    /// The occasions joined by "," without a blank; the empty string for an empty list.
+    [[nodiscard]] QString occasion() const;
+};

@@ -1,0 +1,8 @@
+#include <VLCore/VLGlobal.h>
+
+const QString* kommaOfSecondSourceFile();
+
+const QString* kommaOfSecondSourceFile()
+{
+    return &KOMMA;
+}

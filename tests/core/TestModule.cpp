@@ -1,0 +1,28 @@
+#include <VLCore/VLLogger.h>
+#include <VLCore/VLPlatformIndependent.h>
+#include <VLCore/VLSingleton.h>
+#include <VLFolioEventClassifier/VLEventFolderType.h>
+
+// What this module takes for the shared objects of the process. The tests find these functions by
+// name with dlsym().
+extern "C" {
+
+Q_DECL_EXPORT const void* moduleLogger();
+Q_DECL_EXPORT const void* moduleTypeTable();
+Q_DECL_EXPORT const void* modulePlatform();
+
+const void* moduleLogger()
+{
+    return VLSingleton<VLLogger>::instance();
+}
+
+const void* moduleTypeTable()
+{
+    return VLEventFolderType().enumToStringTable();
+}
+
+const void* modulePlatform()
+{
+    return VLPlatformIndependent::instance();
+}
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/private/qabstractfileengine_p.h>
+#include <QtCore/private/qfsfileengine_p.h>
+
+#include <functional>
+#include <utility>
+
+/// Presents the relative paths that begin with a prefix, in any case, as if they were absolute.
+/// For the rest they are files of the working directory. Works for as long as it lives.
+class PathsAsGiven : public QAbstractFileEngineHandler
+{
+public:
+    using Notify = std::function<void(const QString& path)>;
+
+    /// \a notify, if any, is told each path whose absolute path is asked for.
+    explicit PathsAsGiven(const QString& prefix, Notify notify = {})
+        : m_prefix(prefix)
+        , m_notify(std::move(notify))
+    {
+    }
+
+    // A plain pointer in some versions of Qt, a std::unique_ptr in others.
+    using Engine = decltype(std::declval<const QAbstractFileEngineHandler&>().create(QString()));
+
+    Engine create(const QString& path) const override
+    {
+        if (!path.startsWith(m_prefix, Qt::CaseInsensitive))
+            return Engine {};
+        return Engine { new FileEngine(path, m_notify) };
+    }
+
+private:
+    class FileEngine : public QFSFileEngine
+    {
+    public:
+        FileEngine(const QString& path, Notify notify)
+            : QFSFileEngine(path)
+            , m_notify(std::move(notify))
+        {
+        }
+
+        QString fileName(FileName name) const override
+        {
+            if (name != AbsoluteName)
+                return QFSFileEngine::fileName(name);
+            const QString path = QFSFileEngine::fileName(DefaultName);
+            if (m_notify)
+                m_notify(path);
+            return path;
+        }
+
+    private:
+        Notify m_notify;
+    };
+
+    QString m_prefix;
+    Notify m_notify;
+};
