@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QtCore/QString>
+
+#include <array>
+#include <string_view>
+
+/// Picture collections that are made to be measured.
+namespace Collection {
+
+/// How many folders of each type a collection holds.
+struct Counts
+{
+    int root = 1;
+    int years = 0;
+    int months = 0;
+    int events = 0;
+    int days = 0;
+    int unknown = 0;
+
+    [[nodiscard]] int folders() const { return root + years + months + events + days + unknown; }
+};
+
+enum class Layout {
+    /// Years, each with twelve months, each with events. Files are in the events; of five events
+    /// two hold the folder of a day and one some other folder, which are empty.
+    Calendar,
+    /// Folders side by side, with files in each.
+    Flat,
+    /// Folders of one letter, one inside the other, with files in each.
+    Chain,
+};
+
+struct Shape
+{
+    std::string_view name;
+    Layout layout;
+    /// Years, folders or levels; 0 levels are as many as the system's longest path admits.
+    int size;
+    /// Of a month.
+    int events;
+};
+
+inline constexpr std::array shapes {
+    Shape { "typical", Layout::Calendar, 25, 40 }, // 19,526 folders
+    Shape { "large", Layout::Calendar, 256, 40 },  // 199,937 folders
+    Shape { "small", Layout::Calendar, 1, 10 },    // 206 folders
+    Shape { "flat", Layout::Flat, 5000, 0 },       Shape { "chain", Layout::Chain, 1000, 0 },
+    Shape { "deep", Layout::Chain, 0, 0 },
+};
+
+/// The shape of that name, or nullptr.
+[[nodiscard]] const Shape* shapeNamed(std::string_view name);
+
+/// Makes a collection in the existing, empty directory \a root, with \a files empty files in each
+/// folder that holds some. Ends the program when that fails.
+Counts make(const Shape& shape, const QString& root, int files);
+
+/// Where collections are best made: in memory if the system offers that, so that no disk is
+/// measured, or else in the directory for temporary files.
+[[nodiscard]] QString preferredDirectory();
+
+} // namespace Collection
