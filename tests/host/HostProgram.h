@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QHash>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <functional>
+
+/// One run of the program that is tested, and what was seen of it from outside.
+class HostProgram
+{
+public:
+    /// What a standard stream of the program is.
+    enum class Stream { Pipe, Terminal };
+    /// Who "xdg-open" is on the search path.
+    enum class Opener { Recording, Missing };
+
+    struct Outcome
+    {
+        /// The exit code; minus the signal's number when one ended the program.
+        int exitCode = -1000;
+        QByteArray output;
+        QByteArray error;
+        /// What was shown on the terminal, when there was one.
+        QByteArray terminal;
+        /// The arguments of each call of the opener, a line each.
+        QByteArray opened;
+    };
+
+    /// What the child reports with this code could not be set up: nothing was tested.
+    static constexpr int setUpFailed = 125;
+
+    explicit HostProgram(QStringList arguments)
+        : m_arguments(std::move(arguments))
+    {
+    }
+
+    HostProgram& in(const QString& directory);
+    HostProgram& with(const QString& variable, const QString& value);
+    HostProgram& with(const QHash<QString, QString>& variables);
+    HostProgram& output(Stream stream);
+    HostProgram& error(Stream stream);
+    HostProgram& outputFile(const QString& path);
+    HostProgram& opener(Opener opener);
+    /// What the child does before the program begins. Nothing in it may allocate.
+    HostProgram& before(const std::function<void()>& step);
+
+    /// Runs the program to its end, and to the end of an opener that it started.
+    [[nodiscard]] Outcome run() const;
+
+private:
+    QStringList m_arguments;
+    QString m_directory;
+    QHash<QString, QString> m_variables;
+    Stream m_output = Stream::Pipe;
+    Stream m_error = Stream::Pipe;
+    QString m_outputFile;
+    Opener m_opener = Opener::Recording;
+    std::function<void()> m_before;
+};
+
+/// Steps for HostProgram::before(). Each ends the child with HostProgram::setUpFailed when the
+/// system does not allow it.
+namespace ChildSteps {
+
+/// Takes the superuser's right to pass over permissions away, so that a test that runs as root
+/// meets the same refusals as any other user.
+void obeyPermissions();
+
+/// Standard output is a pipe that nobody reads, its signal as usual or ignored.
+void closedPipe(bool signalIgnored);
+
+/// No file grows beyond \a bytes.
+void limitFileSize(unsigned long bytes);
+
+/// Puts a small file system of the child's own, read-only or full, over \a directory.
+void mountOver(const char* directory, bool readOnly);
+
+} // namespace ChildSteps

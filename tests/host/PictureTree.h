@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QDir>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QTemporaryDir>
+
+/// A temporary directory with picture folders in it.
+class PictureTree
+{
+public:
+    PictureTree();
+
+    /// Path of the directory, links resolved.
+    [[nodiscard]] QString path() const { return m_path; }
+    /// The path of \a name in it.
+    [[nodiscard]] QString path(const QString& name) const { return m_path + u'/' + name; }
+
+    /// Makes a folder and the folders above it.
+    void addFolder(const QString& name) const;
+    void addFile(const QString& name, const QByteArray& content = {}) const;
+    /// Makes a link called \a name that holds \a target as it stands.
+    void addLink(const QString& target, const QString& name) const;
+    /// Sets the permission bits of \a name until the tree goes.
+    void setMode(const QString& name, unsigned mode);
+
+    [[nodiscard]] bool exists(const QString& name) const;
+    [[nodiscard]] QByteArray content(const QString& name) const;
+
+    /// \a text with every "{}" replaced by the directory's path.
+    [[nodiscard]] QString filled(QString text) const;
+
+    /// The collection "pics", with a folder of each type.
+    void addPictures() const;
+
+    ~PictureTree();
+    Q_DISABLE_COPY_MOVE(PictureTree)
+
+private:
+    QTemporaryDir m_directory;
+    QString m_path;
+    QStringList m_restricted;
+};
