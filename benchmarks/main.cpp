@@ -8,6 +8,8 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QLoggingCategory>
 
+#include <clocale>
+
 using namespace Qt::StringLiterals;
 
 // Qt reads the language of the system from the environment, once. So each one is a run of its own:
@@ -16,6 +18,8 @@ using namespace Qt::StringLiterals;
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
+    // Qt has set the C library's locale. Numbers in options and results have a point.
+    std::setlocale(LC_NUMERIC, "C");
     QLoggingCategory::setFilterRules(u"default.debug=false\nvl.folio.service.info=false"_s);
     // The months of the process are those of the system locale, whatever is measured first.
     if (!VLFolioEventClassifier(QFileInfo()).matchesMonth(u"7"_s))

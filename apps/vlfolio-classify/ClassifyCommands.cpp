@@ -1,5 +1,6 @@
 #include "ClassifyCommands.h"
 
+#include "HostPlatform.h"
 #include "Progress.h"
 #include "Terminal.h"
 
@@ -15,29 +16,52 @@
 
 #include <array>
 #include <cstdlib>
+#include <string>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
+// clang-format off
 constexpr std::array allTypes {
-    VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Root,
-    VLEventFolderTypeEnum::Year,    VLEventFolderTypeEnum::Month,
-    VLEventFolderTypeEnum::Day,     VLEventFolderTypeEnum::Event,
+    VLEventFolderTypeEnum::Unknown,
+    VLEventFolderTypeEnum::Root,
+    VLEventFolderTypeEnum::Year,
+    VLEventFolderTypeEnum::Month,
+    VLEventFolderTypeEnum::Day,
+    VLEventFolderTypeEnum::Event,
     VLEventFolderTypeEnum::ProjectFolder,
 };
+// clang-format on
 
 QString nameOf(const VLEventFolderType& type)
 {
     return type.enumToStringTable()->nameFor(type.value());
 }
 
-VLEventFolderClassificationResultList classified(const QString& rootPath)
+std::string progressText(const HostPlatform& platform)
 {
-    const Progress progress([] { return "Walking the folders ..."; });
+    const int folders = platform.folderCount();
+    if (folders == 0)
+        return "Walking the folders ...";
+    return "Reading folder " + std::to_string(folders);
+}
+
+QList<VLEventFolderClassificationResult> classified(const QString& rootPath,
+                                                    const HostPlatform& platform)
+{
+    const Progress progress([&platform] { return progressText(platform); });
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
-    return classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+    const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+    // The walk says nothing of what it cannot read. Another look at each folder does.
+    for (const VLEventFolderClassificationResult& result : results) {
+        const QStringList files =
+            platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath()));
+        Q_UNUSED(files)
+    }
+    return results;
 }
 
 // The root's path and the slash behind it.
@@ -62,8 +86,9 @@ QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
 {
     const QString path = result.directory().absoluteFilePath();
     const VLEventFolderType type = result.classification();
-    const QStringList files
-        = VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    const QStringList files =
+        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    // clang-format off
     const QJsonObject object {
         { u"path"_s, path },
         { u"relativePath"_s, path.mid(prefix) },
@@ -72,6 +97,7 @@ QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
         { u"files"_s, files.size() },
         { u"occasions"_s, occasionsOf(result) },
     };
+    // clang-format on
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -111,7 +137,9 @@ int exitCode()
 
 int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
 {
-    VLEventFolderClassificationResultList results = classified(rootPath);
+    const HostPlatform platform(CommandLine::Opening::Never);
+    VLEventFolderClassificationResultList results = classified(rootPath, platform);
+    platform.tellOmissions();
     if (commandLine.action == CommandLine::Action::Summary) {
         printSummary(results, commandLine.type);
         return exitCode();

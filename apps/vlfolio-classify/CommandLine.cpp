@@ -18,7 +18,8 @@ struct OptionRow
 };
 
 constexpr std::array optionTable {
-    OptionRow { "open"_L1, ""_L1, "Open the report even without a desktop or with markup in it."_L1 },
+    OptionRow { "open"_L1, ""_L1,
+                "Open the report even without a desktop or with markup in it."_L1 },
     OptionRow { "no-open"_L1, ""_L1, "Do not open the report."_L1 },
     OptionRow { "list"_L1, ""_L1, "Write no report; print a line for each folder."_L1 },
     OptionRow { "json"_L1, ""_L1,
@@ -40,7 +41,7 @@ constexpr std::array optionTable {
 struct ActionRow
 {
     QLatin1StringView option;
-    CommandLine::Action action;
+    CommandLine::Action action = CommandLine::Action::Report;
 };
 
 // The first two win over everything else; of the others only one may be given.
@@ -56,8 +57,8 @@ constexpr std::array actionTable {
 void addOptions(QCommandLineParser& parser)
 {
     for (const OptionRow& row : optionTable) {
-        parser.addOption(QCommandLineOption(QString(row.names).split(u' '), row.description,
-                                            row.valueName));
+        parser.addOption(
+            QCommandLineOption(QString(row.names).split(u' '), row.description, row.valueName));
     }
     parser.setApplicationDescription(
         u"Classifies the folders of a picture collection into years, months, days, events and\n"
@@ -90,9 +91,8 @@ std::optional<QLocale> localeNamed(const QString& name)
     const QStringList subtags = tag.split(u'_');
     const bool known = locale.language() != QLocale::C
         && QLocale::codeToLanguage(subtags.constFirst()) == locale.language()
-        && std::all_of(subtags.cbegin() + 1, subtags.cend(), [&locale](const QString& subtag) {
-               return namesPartOf(locale, subtag);
-           });
+        && std::all_of(subtags.cbegin() + 1, subtags.cend(),
+                       [&locale](const QString& subtag) { return namesPartOf(locale, subtag); });
     return known ? std::optional(locale) : std::nullopt;
 }
 
@@ -178,8 +178,8 @@ std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QStr
 
     CommandLine commandLine;
     *error = readAction(parser, commandLine);
-    if (error->isEmpty() && (commandLine.action == Action::Help
-                             || commandLine.action == Action::Version)) {
+    if (error->isEmpty()
+        && (commandLine.action == Action::Help || commandLine.action == Action::Version)) {
         return commandLine;
     }
     constexpr std::array readers { readOpening, readType, readLocale, readOperands };

@@ -4,6 +4,8 @@
 
 #include <QtCore/QRegularExpression>
 
+#include <utility>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -20,7 +22,8 @@ bool hasDesktop()
 #if defined(Q_OS_MACOS)
     return true;
 #else
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return !qEnvironmentVariableIsEmpty("DISPLAY")
+        || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 #endif
 }
 
@@ -65,6 +68,21 @@ QString HostPlatform::reportPath() const
     return m_reportPath;
 }
 
+void HostPlatform::listingIncomplete(const QDir& directory, ListingProblem problem) const
+{
+    m_omissions.append(
+        problem == ListingProblem::Unreadable
+            ? u"cannot read %1: what is in it is left out"_s.arg(directory.path())
+            : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(
+                directory.path()));
+}
+
+void HostPlatform::tellOmissions() const
+{
+    for (const QString& omission : std::as_const(m_omissions))
+        Terminal::complain(omission);
+}
+
 void HostPlatform::openReport()
 {
     const bool always = m_opening == CommandLine::Opening::Always;
@@ -74,8 +92,8 @@ void HostPlatform::openReport()
             : u"%1 folder names hold markup that a browser would run"_s.arg(m_markupCount);
         Terminal::complain(always ? found : found + u"; only --open opens the report"_s);
     }
-    const bool trusted = m_opening == CommandLine::Opening::Desktop && hasDesktop()
-        && m_markupCount == 0;
+    const bool trusted =
+        m_opening == CommandLine::Opening::Desktop && hasDesktop() && m_markupCount == 0;
     if (always || trusted)
         VLPlatformIndependent::openFile(m_reportPath, {}, {});
 }

@@ -33,12 +33,19 @@ public:
     /// Path of the report that was to be opened; empty before.
     [[nodiscard]] QString reportPath() const;
 
+    /// Says which folders hold something that was left out, and why.
+    void tellOmissions() const;
+
     /// Opens the report, or says why not.
     void openReport();
+
+protected:
+    void listingIncomplete(const QDir& directory, ListingProblem problem) const override;
 
 private:
     CommandLine::Opening m_opening;
     QString m_reportPath;
     mutable std::atomic<int> m_folderCount = 0;
     mutable int m_markupCount = 0;
+    mutable QStringList m_omissions;
 };

@@ -58,6 +58,7 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
     const ReportMessages messages;
     HostPlatform platform(commandLine.opening);
     classify(rootPath, platform);
+    platform.tellOmissions();
 
     const QString reason = failure(messages, platform.reportPath());
     if (!reason.isEmpty()) {

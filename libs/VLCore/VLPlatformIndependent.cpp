@@ -57,7 +57,14 @@ bool VLPlatformIndependent::openFile(const QString& path, const QStringList& arg
     // An absolute path cannot be mistaken for an option of the program.
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
     const auto command = VLPlatform::openCommand(absolutePath, arguments, application);
-    if (QProcess::startDetached(command.program, command.arguments))
+    // A caller that reads this process's output must not wait for the application, too.
+    QProcess process;
+    process.setProgram(command.program);
+    process.setArguments(command.arguments);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    if (process.startDetached())
         return true;
     qWarning() << "Could not open file" << path << "with" << command.program;
     return false;
@@ -69,8 +76,10 @@ QStringList VLPlatformIndependent::getDirectFilesInDirectory(const QDir& directo
     if (!QFileInfo(path).isNativePath())
         return engineFileNames(path);
     const VLPlatform::Listing listing = VLPlatform::listing(path, VLPlatform::Wanted::Files);
+    if (!listing.isComplete)
+        listingIncomplete(directory, ListingProblem::Unreadable);
     if (listing.holdsUndecodableName)
-        undecodableNameFound(directory);
+        listingIncomplete(directory, ListingProblem::UndecodableName);
     return listing.files;
 }
 
@@ -79,9 +88,10 @@ void VLPlatformIndependent::directoryContentsChanged(const QDir& directory)
     Q_UNUSED(directory)
 }
 
-void VLPlatformIndependent::undecodableNameFound(const QDir& directory) const
+void VLPlatformIndependent::listingIncomplete(const QDir& directory, ListingProblem problem) const
 {
     Q_UNUSED(directory)
+    Q_UNUSED(problem)
 }
 
 std::optional<QStringList>

@@ -40,7 +40,8 @@ public:
     /// new one.
     static void setInstance(VLPlatformIndependent* service);
 
-    /// Opens a file in an application that goes on by itself, and returns without waiting for it.
+    /// Opens a file in an application that goes on by itself, with none of this process's standard
+    /// streams, and returns without waiting for it.
     ///
     /// \param path the file; a relative one is taken from the current working directory.
     /// \param arguments handed to \a application ahead of the file (on macOS behind
@@ -73,8 +74,16 @@ public:
     directoriesBesideUndecodableNames(const QDir& directory);
 
 protected:
-    /// Called by the built-in getDirectFilesInDirectory() when an entry of \a directory has a name
-    /// that is not UTF-8, which no QString can hold, so that a host can say so. The built-in
-    /// service does nothing.
-    virtual void undecodableNameFound(const QDir& directory) const;
+    /// Why a listing lacks something.
+    enum class ListingProblem {
+        /// The directory could not be read, or not to its end.
+        Unreadable,
+        /// A name in it is not UTF-8, so that no QString can hold it.
+        UndecodableName,
+    };
+
+    /// Called by the built-in getDirectFilesInDirectory() when something in \a directory cannot be
+    /// shown, at most once for each problem, so that a host can say so. The built-in service does
+    /// nothing.
+    virtual void listingIncomplete(const QDir& directory, ListingProblem problem) const;
 };

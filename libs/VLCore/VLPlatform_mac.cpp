@@ -1,6 +1,7 @@
 #include "VLPlatform_p.h"
 
 #include <QtCore/QDirIterator>
+#include <QtCore/QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -23,6 +24,7 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     const QDir::Filters filters =
         wantsFiles ? QDir::Filters(QDir::Files) : QDir::Dirs | QDir::NoDotAndDotDot;
     Listing listing;
+    listing.isComplete = QFileInfo(path).isReadable();
     QStringList& names = wantsFiles ? listing.files : listing.directories;
     for (QDirIterator entries(path, filters); entries.hasNext();) {
         entries.next();

@@ -31,6 +31,8 @@ struct Listing
     QStringList directories;
     /// True when any name, also a hidden one, is not UTF-8.
     bool holdsUndecodableName = false;
+    /// False when the directory could not be read, or not to its end.
+    bool isComplete = false;
 };
 
 /// What to look for: the kind of an entry may cost a system call.

@@ -30,6 +30,11 @@ bool isOfKind(int directory, const dirent& entry, unsigned char type, mode_t mod
     return ::fstatat(directory, entry.d_name, &target, 0) == 0 && (target.st_mode & S_IFMT) == mode;
 }
 
+bool isListed(const QString& name)
+{
+    return !name.startsWith(u'.');
+}
+
 // Decoding replaces what is not UTF-8, so that the way back does not lead to the same bytes.
 bool isUndecodable(const char* name, const QString& decoded)
 {
@@ -59,17 +64,20 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     QStringDecoder decode(QStringDecoder::Utf8,
                           QStringDecoder::Flag::Stateless
                               | QStringDecoder::Flag::ConvertInitialBom);
+    // Only the error number tells the end of a directory from a failure.
+    errno = 0;
     while (const dirent* const entry = ::readdir(stream.get())) {
         const QString name = decode(QByteArrayView(entry->d_name));
         const bool undecodable = isUndecodable(entry->d_name, name);
         listing.holdsUndecodableName |= undecodable;
-        if (name.startsWith(u'.'))
-            continue;
-        if (wanted == Wanted::Files && isOfKind(directory, *entry, DT_REG, S_IFREG))
+        if (wanted == Wanted::Files && isListed(name)
+            && isOfKind(directory, *entry, DT_REG, S_IFREG))
             listing.files.append(name);
-        else if (wanted == Wanted::Directories && !undecodable
+        else if (wanted == Wanted::Directories && isListed(name) && !undecodable
                  && isOfKind(directory, *entry, DT_DIR, S_IFDIR))
             listing.directories.append(name);
+        errno = 0;
     }
+    listing.isComplete = errno == 0;
     return listing;
 }

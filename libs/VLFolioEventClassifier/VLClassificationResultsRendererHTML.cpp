@@ -5,6 +5,7 @@
 #include <QtCore/QDebug>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QScopeGuard>
 
 #include <algorithm>
 #include <utility>
@@ -106,6 +107,9 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
+        // What an exception leaves in the stream would be written by its destructor, which may not
+        // fail. A stream that has failed before writes nothing.
+        const auto silence = qScopeGuard([&stream] { stream.setStatus(QTextStream::WriteFailed); });
         writeHTMLHeader(stream);
         writeTableStart(stream);
         for (const VLEventFolderClassificationResult& result : std::as_const(results))

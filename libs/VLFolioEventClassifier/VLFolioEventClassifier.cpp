@@ -199,11 +199,20 @@ QStringList namesOfMonths(const QLocale& locale)
     return names;
 }
 
-// True when the canonical path of the directory cannot end with its own name: it may be a link, or
-// the name leads elsewhere.
-bool mayBearAnotherName(const QFileInfo& directory, const QString& name)
+// True for names that no file system takes for one: some do not tell upper case from lower case, or
+// one normal form of Unicode from the other.
+bool areOtherNames(QStringView first, QStringView second)
 {
-    return name.isEmpty() || name == "."_L1 || name == ".."_L1 || directory.isSymLink();
+    const auto isAscii = [](QChar unit) { return unit.unicode() < 0x80; };
+    return std::all_of(first.cbegin(), first.cend(), isAscii)
+        && std::all_of(second.cbegin(), second.cend(), isAscii)
+        && first.compare(second, Qt::CaseInsensitive) != 0;
+}
+
+// True when the canonical path of the directory ends with its own name.
+bool keepsItsName(const QFileInfo& directory, const QString& name)
+{
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !directory.isSymLink();
 }
 
 // QFileInfo compares canonical paths, at the cost of a system call for each component of a path.
@@ -212,12 +221,15 @@ bool mayBearAnotherName(const QFileInfo& directory, const QString& name)
 // else is for QFileInfo to decide.
 bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
 {
+    // One path is one directory, even if that comes and goes between two looks at it.
+    if (directory.filePath() == root.filePath())
+        return false;
     if (!directory.isNativePath() || !root.isNativePath())
         return false;
     const QString name = directory.fileName();
     const QString rootPath = root.canonicalFilePath();
-    if (!rootPath.isEmpty() && !mayBearAnotherName(directory, name)
-        && name != QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1)) {
+    if (!rootPath.isEmpty() && keepsItsName(directory, name)
+        && areOtherNames(name, QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1))) {
         return true;
     }
     std::error_code error;

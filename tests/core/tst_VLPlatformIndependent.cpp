@@ -33,12 +33,14 @@ public:
     }
 
     QStringList changed;
+    mutable QStringList unreadable;
     mutable QStringList undecodable;
 
 protected:
-    void undecodableNameFound(const QDir& directory) const override
+    void listingIncomplete(const QDir& directory, ListingProblem problem) const override
     {
-        undecodable.append(directory.path());
+        QStringList& told = problem == ListingProblem::Unreadable ? unreadable : undecodable;
+        told.append(directory.path());
     }
 };
 
@@ -168,6 +170,7 @@ private Q_SLOTS:
 
     void files_of_a_file_engine_are_listed();
     void undecodable_file_name_is_listed_and_told();
+    void directory_that_cannot_be_read_is_told();
     void directories_beside_undecodable_names();
     void directories_without_undecodable_names_are_left_to_qt();
 
@@ -491,9 +494,21 @@ void tst_VLPlatformIndependent::undecodable_file_name_is_listed_and_told()
     const QStringList files { u"a"_s, u"m\uFFFDnchen"_s };
     QCOMPARE(sorted(ofHost.getDirectFilesInDirectory(QDir(m_directory->path()))), files);
     QCOMPARE(ofHost.undecodable, QStringList { m_directory->path() });
+    QCOMPARE(ofHost.unreadable, QStringList());
     QCOMPARE(sorted(VLPlatformIndependent::instance()->getDirectFilesInDirectory(
                  QDir(m_directory->path()))),
              files);
+}
+
+void tst_VLPlatformIndependent::directory_that_cannot_be_read_is_told()
+{
+    const HostService ofHost;
+    const QString missing = m_directory->filePath(u"missing"_s);
+    QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(missing)), QStringList());
+    QCOMPARE(ofHost.unreadable, QStringList { missing });
+    QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(m_directory->path())), QStringList());
+    QCOMPARE(ofHost.unreadable, QStringList { missing });
+    QCOMPARE(ofHost.undecodable, QStringList());
 }
 
 void tst_VLPlatformIndependent::directories_beside_undecodable_names()

@@ -64,6 +64,17 @@ private:
     int m_number;
 };
 
+// Moves a descriptor out of the way of those that the program is given, and keeps it from others.
+void moveUp(Descriptor& descriptor)
+{
+    constexpr int firstFree = openerDescriptor + 1;
+    const int moved = fcntl(descriptor.number(), F_DUPFD_CLOEXEC, firstFree);
+    if (moved < 0)
+        qFatal("No descriptor is free");
+    descriptor.close();
+    *descriptor.address() = moved;
+}
+
 void makePipe(Descriptor& reading, Descriptor& writing)
 {
     std::array<int, 2> ends {};
@@ -71,8 +82,8 @@ void makePipe(Descriptor& reading, Descriptor& writing)
         qFatal("No pipe can be made");
     *reading.address() = ends[0];
     *writing.address() = ends[1];
-    fcntl(ends[0], F_SETFD, FD_CLOEXEC);
-    fcntl(ends[1], F_SETFD, FD_CLOEXEC);
+    moveUp(reading);
+    moveUp(writing);
 }
 
 void makeTerminal(Descriptor& master, Descriptor& slave)
@@ -84,8 +95,8 @@ void makeTerminal(Descriptor& master, Descriptor& slave)
     tcgetattr(slave.number(), &settings);
     cfmakeraw(&settings);
     tcsetattr(slave.number(), TCSANOW, &settings);
-    fcntl(master.number(), F_SETFD, FD_CLOEXEC);
-    fcntl(slave.number(), F_SETFD, FD_CLOEXEC);
+    moveUp(master);
+    moveUp(slave);
 }
 
 // What was written on a terminal. Its end is marked, since some systems drop what nobody has read

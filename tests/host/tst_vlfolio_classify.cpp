@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -235,6 +236,8 @@ private Q_SLOTS:
     void wrongUsage();
     void directoryProblem_data();
     void directoryProblem();
+    void omissionsAreTold_data();
+    void omissionsAreTold();
     void reportCannotBeWritten_data();
     void reportCannotBeWritten();
     void logRulesHideNoFailure_data();
@@ -871,6 +874,50 @@ void tst_vlfolio_classify::directoryProblem()
         QCOMPARE(outcome.output, QByteArray());
         QCOMPARE(outcome.exitCode, 1);
     }
+}
+
+void tst_vlfolio_classify::omissionsAreTold_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("expectedOutput");
+
+    QTest::newRow("report") << u"--no-open"_s << "{}/pics/vela.classification.results.html\n"_ba;
+    QTest::newRow("list")
+        << u"--list"_s
+        << "   Root <= \nUnknown <= closed\nUnknown <= odd\nUnknown <= odd/good\n"_ba;
+    QTest::newRow("json_of_one_type")
+        << u"--json --type Root"_s
+        << "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics\",\"relativePath\":\"\","
+           "\"type\":\"Root\",\"value\":1}\n"_ba;
+    QTest::newRow("summary") << u"--summary --type Root"_s << "Root          1\n"_ba;
+}
+
+void tst_vlfolio_classify::omissionsAreTold()
+{
+    QFETCH(QString, option);
+    QFETCH(QByteArray, expectedOutput);
+
+    PictureTree tree;
+    tree.addFolder(u"pics/closed/inside"_s);
+    tree.addFolder(u"pics/odd/good"_s);
+    const QByteArray oddName = QFile::encodeName(tree.path(u"pics/odd/"_s)) + "bad\xff";
+    if (::mkdir(oddName.constData(), 0755) != 0)
+        QSKIP("The file system takes names in UTF-8 only");
+    tree.setMode(u"pics/closed"_s, 0);
+
+    const HostProgram::Outcome outcome = program(option.split(u' ') << tree.path(u"pics"_s))
+                                             .before(&ChildSteps::obeyPermissions)
+                                             .run();
+
+    QCOMPARE(
+        outcome.error,
+        tree.filled(u"vlfolio-classify: cannot read {}/pics/closed: what is in it is left out\n"
+                    "vlfolio-classify: {}/pics/odd holds names that are not UTF-8: folders of "
+                    "such names are left out\n"_s)
+            .toUtf8());
+    QCOMPARE(outcome.output, tree.filled(QString::fromUtf8(expectedOutput)).toUtf8());
+    QCOMPARE(outcome.exitCode, 0);
+    QCOMPARE(::rmdir(oddName.constData()), 0);
 }
 
 void tst_vlfolio_classify::reportCannotBeWritten_data()

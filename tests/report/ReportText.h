@@ -44,12 +44,11 @@ namespace ReportText {
 [[nodiscard]] inline QByteArray row(const QByteArray& type, const QByteArray& directory,
                                     const QByteArray& count, const QByteArray& occasion)
 {
-    return "\t\t\t<tr class=" + type + ">\n"
-        + "\t\t\t\t<td>" + type + "</td>\n"
-        + "\t\t\t\t<td>" + directory + "</td>\n"
-        + "\t\t\t\t<td>" + count + "</td>\n"
-        + "\t\t\t\t<td>" + occasion + "</td>\n"
-        + "\t\t\t</tr>\n";
+    const auto cell = [](const QByteArray& text) -> QByteArray {
+        return "\t\t\t\t<td>" + text + "</td>\n";
+    };
+    return "\t\t\t<tr class=" + type + ">\n" + cell(type) + cell(directory) + cell(count)
+        + cell(occasion) + "\t\t\t</tr>\n";
 }
 
 /// The whole report with these rows.

@@ -125,8 +125,7 @@ bool comesFromRenderToFile(const MessageRecorder::Message& message)
         uR"(void VLClassificationResultsRendererHTML::renderToFile\(const QFileInfo ?&\))"_s));
     return message.category == "default"
         && message.file == "libs/VLFolioEventClassifier/VLClassificationResultsRendererHTML.cpp"
-        && message.line > 0
-        && function.match(QString::fromUtf8(message.function)).hasMatch();
+        && message.line > 0 && function.match(QString::fromUtf8(message.function)).hasMatch();
 }
 
 bool isDebugLine(const MessageRecorder::Message& message, const QString& text)
@@ -295,13 +294,12 @@ void tst_VLClassificationResultsRendererHTML::tableEntryDirectories_data()
         << month << u"/r/\U0001F600/x"_s << 5 << QByteArray("/x");
     QTest::newRow("no_directory") << month << QString() << 0 << QByteArray("");
     QTest::newRow("no_directory_as_root") << root << QString() << 5 << QByteArray("");
-    QTest::newRow("markup_is_not_escaped")
-        << month << u"/r/<b>Tom & 'Jerry' \"&amp;</b>"_s << 2
-        << QByteArray("/<b>Tom & 'Jerry' \"&amp;</b>");
+    QTest::newRow("markup_is_not_escaped") << month << u"/r/<b>Tom & 'Jerry' \"&amp;</b>"_s << 2
+                                           << QByteArray("/<b>Tom & 'Jerry' \"&amp;</b>");
     QTest::newRow("markup_of_the_root_is_not_escaped")
         << root << u"/r/<b>&"_s << 2 << QByteArray("/r/<b>&");
-    QTest::newRow("placeholders_stay") << month << u"/r/%1 %2 %L1 %%"_s << 2
-                                       << QByteArray("/%1 %2 %L1 %%");
+    QTest::newRow("placeholders_stay")
+        << month << u"/r/%1 %2 %L1 %%"_s << 2 << QByteArray("/%1 %2 %L1 %%");
     QTest::newRow("placeholders_of_the_root_stay")
         << root << u"/r/%1%0"_s << 2 << QByteArray("/r/%1%0");
     QTest::newRow("line_feed_stays") << month << u"/r/a\nb"_s << 2 << QByteArray("/a\nb");
@@ -493,8 +491,7 @@ void tst_VLClassificationResultsRendererHTML::laterChangesOfTheCallersListDoNotS
     Renderer renderer(results, 2, {});
     results.clear();
     renderer.renderToFile(QFileInfo(dir.filePath(reportName)));
-    QCOMPARE(fileContents(dir.filePath(reportName)),
-             report({ row("Year", "/a", "0", "no data") }));
+    QCOMPARE(fileContents(dir.filePath(reportName)), report({ row("Year", "/a", "0", "no data") }));
 }
 
 void tst_VLClassificationResultsRendererHTML::emptyListYieldsTheFrame()
@@ -685,12 +682,9 @@ void tst_VLClassificationResultsRendererHTML::oldReportIsReplaced_data()
     const auto addRow = [](const char* name, MakeOldReport makeOldReport) {
         QTest::newRow(name) << makeOldReport;
     };
-    addRow("short_file", [](const QString& path, const QString&) {
-        return writeFile(path, "old");
-    });
-    addRow("empty_file", [](const QString& path, const QString&) {
-        return writeFile(path, "");
-    });
+    addRow("short_file",
+           [](const QString& path, const QString&) { return writeFile(path, "old"); });
+    addRow("empty_file", [](const QString& path, const QString&) { return writeFile(path, ""); });
     addRow("longer_file", [](const QString& path, const QString&) {
         return writeFile(path, QByteArray(100000, 'x'));
     });
@@ -708,9 +702,8 @@ void tst_VLClassificationResultsRendererHTML::oldReportIsReplaced_data()
     addRow("dangling_link", [](const QString& path, const QString& directory) {
         return QFile::link(directory + u"/nowhere"_s, path);
     });
-    addRow("link_to_itself", [](const QString& path, const QString&) {
-        return QFile::link(path, path);
-    });
+    addRow("link_to_itself",
+           [](const QString& path, const QString&) { return QFile::link(path, path); });
 }
 
 void tst_VLClassificationResultsRendererHTML::oldReportIsReplaced()
@@ -828,8 +821,8 @@ void tst_VLClassificationResultsRendererHTML::reportThatCannotBeOpened()
     QCOMPARE(recorder.messages().size(), 1);
     QCOMPARE(recorder.messages().constFirst().text,
              u"Could not write to file QFileInfo("_s + path + u") 5 \""_s + errorText + u'"');
-    QVERIFY(isWarning(recorder.messages().constFirst(),
-                      warningText(QFileInfo(path), 5, errorText)));
+    QVERIFY(
+        isWarning(recorder.messages().constFirst(), warningText(QFileInfo(path), 5, errorText)));
     QCOMPARE(platform.calls, QStringList(u"directoryContentsChanged "_s + dir.filePath(parent)));
     QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              (QStringList { u"directory"_s, u"file"_s }));
@@ -850,8 +843,8 @@ void tst_VLClassificationResultsRendererHTML::errorCodeIsThatOfTheFile()
         Renderer({}, 0, {}).renderToFile(QFileInfo(path));
     }
     QCOMPARE(recorder.messages().size(), 1);
-    QVERIFY(isWarning(recorder.messages().constFirst(),
-                      warningText(QFileInfo(path), 4, errorText)));
+    QVERIFY(
+        isWarning(recorder.messages().constFirst(), warningText(QFileInfo(path), 4, errorText)));
 }
 
 void tst_VLClassificationResultsRendererHTML::directoryWithoutWritePermission()
@@ -872,8 +865,8 @@ void tst_VLClassificationResultsRendererHTML::directoryWithoutWritePermission()
     QVERIFY(QFile::setPermissions(dir.path(), QFile::Permissions::fromInt(0x7777)));
     QVERIFY(!errorText.isEmpty());
     QCOMPARE(recorder.messages().size(), 1);
-    QVERIFY(isWarning(recorder.messages().constFirst(),
-                      warningText(QFileInfo(path), 5, errorText)));
+    QVERIFY(
+        isWarning(recorder.messages().constFirst(), warningText(QFileInfo(path), 5, errorText)));
     QVERIFY(!QFileInfo::exists(path));
     QCOMPARE(platform.calls, QStringList(u"directoryContentsChanged "_s + dir.path()));
 }
@@ -962,8 +955,9 @@ void tst_VLClassificationResultsRendererHTML::changedDirectoryIsTheReports()
     const QTemporaryDir reports;
     Renderer({ resultOf(u"/data/pictures"_s, 1) }, 14, {})
         .renderToFile(QFileInfo(reports.filePath(reportName)));
-    QCOMPARE(platform.calls, (QStringList { u"getDirectFilesInDirectory /data/pictures"_s,
-                                            u"directoryContentsChanged "_s + reports.path() }));
+    QCOMPARE(platform.calls,
+             (QStringList { u"getDirectFilesInDirectory /data/pictures"_s,
+                            u"directoryContentsChanged "_s + reports.path() }));
 }
 
 void tst_VLClassificationResultsRendererHTML::failedReportListsNothing()

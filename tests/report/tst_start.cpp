@@ -20,8 +20,8 @@
 using namespace Qt::StringLiterals;
 using namespace ReportText;
 
-static_assert(std::is_same_v<decltype(&VLFolioEventClassifier::start),
-                             void (VLFolioEventClassifier::*)()>);
+static_assert(
+    std::is_same_v<decltype(&VLFolioEventClassifier::start), void (VLFolioEventClassifier::*)()>);
 
 namespace {
 
@@ -170,9 +170,17 @@ void tst_start::wholeReport()
     const QTemporaryDir dir;
     const QDir root(dir.path());
     const QStringList directories {
-        u"2019/05/Birthday/2019-05-04"_s, u"2019/05/Birthday/Cake"_s, u"2019/2018 copy"_s,
-        u"2019-x"_s, u"2019 x"_s, u".hidden/2019"_s, u"Summer <b>&"_s, u"07"_s, u"2020-01-31"_s,
-        u"Party_vlp-Dateien"_s, u"\u65e5\u8a18 %1"_s,
+        u"2019/05/Birthday/2019-05-04"_s,
+        u"2019/05/Birthday/Cake"_s,
+        u"2019/2018 copy"_s,
+        u"2019-x"_s,
+        u"2019 x"_s,
+        u".hidden/2019"_s,
+        u"Summer <b>&"_s,
+        u"07"_s,
+        u"2020-01-31"_s,
+        u"Party_vlp-Dateien"_s,
+        u"\u65e5\u8a18 %1"_s,
     };
     for (const QString& directory : directories)
         QVERIFY(root.mkpath(directory));
@@ -244,10 +252,10 @@ void tst_start::walkIsAheadOfTheReport()
         }
     });
     VLFolioEventClassifier(QFileInfo(pictures.path())).start();
-    QCOMPARE(fileContents(pictures.reportPath()),
-             report({ row("Root", pictures.path().toUtf8(), "3", "no data"),
-                      row("Year", "/2019", "1", "no data"),
-                      row("Month", "/2019/05", "1", "no data") }));
+    QCOMPARE(
+        fileContents(pictures.reportPath()),
+        report({ row("Root", pictures.path().toUtf8(), "3", "no data"),
+                 row("Year", "/2019", "1", "no data"), row("Month", "/2019/05", "1", "no data") }));
     QVERIFY(QFileInfo(pictures.path() + u"/2020"_s).isDir());
 }
 
@@ -284,9 +292,9 @@ void tst_start::reportIsCompleteWhenOpened()
             contents.append(fileContents(pictures.reportPath()));
     });
     VLFolioEventClassifier(QFileInfo(pictures.path())).start();
-    QCOMPARE(contents,
-             (QByteArrayList { Pictures::report(pictures.path()),
-                               Pictures::report(pictures.path()) }));
+    QCOMPARE(
+        contents,
+        (QByteArrayList { Pictures::report(pictures.path()), Pictures::report(pictures.path()) }));
 }
 
 void tst_start::opensTheReportWithoutArguments()
@@ -372,8 +380,9 @@ void tst_start::reportThatCannotBeWrittenIsOpened()
     VLFolioEventClassifier(QFileInfo(pictures.path())).start();
     QCOMPARE(observer.messages().size(), 3);
     QCOMPARE(observer.messages().at(2).type, QtWarningMsg);
-    QCOMPARE(observer.calls, (QStringList { u"directoryContentsChanged "_s + pictures.path(),
-                                            u"openFile "_s + pictures.reportPath() }));
+    QCOMPARE(observer.calls,
+             (QStringList { u"directoryContentsChanged "_s + pictures.path(),
+                            u"openFile "_s + pictures.reportPath() }));
     QVERIFY(QFileInfo(pictures.reportPath()).isDir());
 }
 
@@ -389,8 +398,9 @@ void tst_start::missingRoot()
     QCOMPARE(message.category, QByteArray("default"));
     QVERIFY(message.text.startsWith(u"Could not write to file QFileInfo("_s + root + u'/'
                                     + reportName + u") 5 \""_s));
-    QCOMPARE(observer.calls, (QStringList { u"directoryContentsChanged "_s + root,
-                                            u"openFile "_s + root + u'/' + reportName }));
+    QCOMPARE(observer.calls,
+             (QStringList { u"directoryContentsChanged "_s + root,
+                            u"openFile "_s + root + u'/' + reportName }));
     QVERIFY(!QFileInfo::exists(root));
 }
 
@@ -403,8 +413,9 @@ void tst_start::rootThatIsAFile()
     VLFolioEventClassifier(QFileInfo(root)).start();
     QCOMPARE(observer.messages().size(), 2);
     QCOMPARE(observer.messages().at(1).type, QtWarningMsg);
-    QCOMPARE(observer.calls, (QStringList { u"directoryContentsChanged "_s + root,
-                                            u"openFile "_s + root + u'/' + reportName }));
+    QCOMPARE(observer.calls,
+             (QStringList { u"directoryContentsChanged "_s + root,
+                            u"openFile "_s + root + u'/' + reportName }));
     QCOMPARE(fileContents(root), QByteArray("untouched"));
 }
 
@@ -467,10 +478,10 @@ void tst_start::rootWithTrailingSlash()
     const RunObserver observer;
     VLFolioEventClassifier(QFileInfo(pictures.path() + u'/')).start();
     // The slash belongs to the root's path, so it is cut off the other rows.
-    QCOMPARE(fileContents(pictures.reportPath()),
-             report({ row("Root", pictures.path().toUtf8() + '/', "2", "no data"),
-                      row("Year", "2019", "1", "no data"),
-                      row("Month", "2019/05", "1", "no data") }));
+    QCOMPARE(
+        fileContents(pictures.reportPath()),
+        report({ row("Root", pictures.path().toUtf8() + '/', "2", "no data"),
+                 row("Year", "2019", "1", "no data"), row("Month", "2019/05", "1", "no data") }));
     QCOMPARE(observer.calls.constLast(), u"openFile "_s + pictures.reportPath());
 }
 
@@ -498,10 +509,10 @@ void tst_start::defaultConstructedRoot()
     const RunObserver observer;
     VLFolioEventClassifier { QFileInfo() }.start();
     // A root without a path: nothing is cut off the paths of the others.
-    QCOMPARE(fileContents(pictures.reportPath()),
-             report({ row("Root", "", "2", "no data"),
-                      row("Year", current + "/2019", "1", "no data"),
-                      row("Month", current + "/2019/05", "1", "no data") }));
+    QCOMPARE(
+        fileContents(pictures.reportPath()),
+        report({ row("Root", "", "2", "no data"), row("Year", current + "/2019", "1", "no data"),
+                 row("Month", current + "/2019/05", "1", "no data") }));
     QCOMPARE(observer.calls.constLast(), u"openFile "_s + currentPath + u'/' + reportName);
 }
 

@@ -43,8 +43,9 @@ void tst_start_after_application::reportIsEmptyAndOpened()
     QCOMPARE(recorder.messages().size(), 1);
     QCOMPARE(recorder.messages().constFirst().text, u"startClassifyEvent"_s);
     QCOMPARE(fileContents(reportPath), lines(1, 23));
-    QCOMPARE(platform.calls, (QStringList { u"directoryContentsChanged "_s + dir.path(),
-                                            u"openFile "_s + reportPath }));
+    QCOMPARE(
+        platform.calls,
+        (QStringList { u"directoryContentsChanged "_s + dir.path(), u"openFile "_s + reportPath }));
 }
 
 void tst_start_after_application::oldReportIsReplaced()

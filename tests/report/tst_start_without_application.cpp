@@ -37,11 +37,11 @@ void tst_start_without_application::runIsComplete()
     QCOMPARE(fileContents(reportPath),
              report({ row("Root", dir.path().toUtf8(), "1", "no data"),
                       row("Year", "/2019", "0", "no data") }));
-    QCOMPARE(platform.calls,
-             (QStringList { u"getDirectFilesInDirectory "_s + dir.path(),
-                            u"getDirectFilesInDirectory "_s + dir.path() + u"/2019"_s,
-                            u"directoryContentsChanged "_s + dir.path(),
-                            u"openFile "_s + reportPath }));
+    QCOMPARE(
+        platform.calls,
+        (QStringList { u"getDirectFilesInDirectory "_s + dir.path(),
+                       u"getDirectFilesInDirectory "_s + dir.path() + u"/2019"_s,
+                       u"directoryContentsChanged "_s + dir.path(), u"openFile "_s + reportPath }));
 }
 
 QTEST_APPLESS_MAIN(tst_start_without_application)

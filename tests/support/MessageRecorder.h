@@ -41,8 +41,8 @@ public:
 private:
     static void record(QtMsgType type, const QMessageLogContext& context, const QString& text)
     {
-        s_messages.append({ type, context.category, context.file, context.line, context.function,
-                            text });
+        s_messages.append(
+            { type, context.category, context.file, context.line, context.function, text });
         if (s_observer)
             s_observer(s_messages.constLast());
     }

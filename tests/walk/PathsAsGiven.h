@@ -8,7 +8,8 @@
 #include <utility>
 
 /// Presents the relative paths that begin with a prefix, in any case, as if they were absolute.
-/// For the rest they are files of the working directory. Works for as long as it lives.
+/// Paths that differ only in case are the same file to it. For the rest they are files of the
+/// working directory. Works for as long as it lives.
 class PathsAsGiven : public QAbstractFileEngineHandler
 {
 public:
@@ -41,11 +42,19 @@ private:
         {
         }
 
+        // What is presented is no place on a disk.
+        FileFlags fileFlags(FileFlags type) const override
+        {
+            return QFSFileEngine::fileFlags(type) & ~FileFlags(LocalDiskFlag);
+        }
+
         QString fileName(FileName name) const override
         {
+            const QString path = QFSFileEngine::fileName(DefaultName);
+            if (name == CanonicalName)
+                return path.toLower();
             if (name != AbsoluteName)
                 return QFSFileEngine::fileName(name);
-            const QString path = QFSFileEngine::fileName(DefaultName);
             if (m_notify)
                 m_notify(path);
             return path;

@@ -761,6 +761,7 @@ void tst_VLFolioEventClassifier_walk::folderName_data()
     QTest::newRow("leading_hyphen") << u"-2019-07-14"_s << u"Event"_s;
     QTest::newRow("trailing_blank") << u"07 "_s << u"Unknown"_s;
     QTest::newRow("trailing_full_stop") << u"2019."_s << u"Year"_s;
+    QTest::newRow("year_like_a_suffix") << u"Beach.2019"_s << u"Year"_s;
     QTest::newRow("escape_sequence") << u"\x1b[31m2019"_s << u"Year"_s;
     QTest::newRow("right_to_left_mark") << u"\u202e2019"_s << u"Year"_s;
     QTest::newRow("outside_the_basic_plane") << u"😀 2019"_s << u"Year"_s;

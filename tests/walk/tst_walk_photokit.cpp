@@ -20,6 +20,7 @@ private Q_SLOTS:
 
     void prefixIsEventWhateverTheName();
     void rootIsRootBeforeItIsAnEvent();
+    void equalityIsThatOfTheEngine();
     void prefixIsCaseSensitive();
     void prefixIsThatOfTheAbsolutePath();
     void eventStaysEventBelow_data();
@@ -70,6 +71,26 @@ void tst_walk_photokit::rootIsRootBeforeItIsAnEvent()
 
     const QStringList expected { u"photokit/2019 Root"_s, u"photokit/2019/07 Event"_s };
     QCOMPARE(lines(classifier.eventFolderTypes(root, Result()), {}), expected);
+}
+
+// What the root is, is asked of the engine, whatever the paths are to the system.
+void tst_walk_photokit::equalityIsThatOfTheEngine()
+{
+    WalkTree tree;
+    tree.folders({ u"photokit"_s, u"photokit/Beach"_s, u"Photokit"_s });
+    QVERIFY(tree.isValid());
+    const WorkingDirectory inside(tree.root());
+    QVERIFY(inside.isValid());
+    const PathsAsGiven engine(u"photokit"_s);
+    const VLFolioEventClassifier classifier { QFileInfo(u"photokit"_s) };
+    const auto type = [&classifier](const QString& path) {
+        return classifier.eventFolderType(QFileInfo(path)).classification().value();
+    };
+
+    QCOMPARE(type(u"photokit"_s), Type::Root);
+    QCOMPARE(type(u"Photokit"_s), Type::Root);
+    QCOMPARE(type(u"photokit/Beach"_s), Type::Event);
+    QCOMPARE(type(tree.path(u"photokit"_s)), Type::Unknown);
 }
 
 void tst_walk_photokit::prefixIsCaseSensitive()
