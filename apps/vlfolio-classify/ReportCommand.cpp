@@ -31,13 +31,17 @@ void classify(const QString& rootPath, const HostPlatform& platform)
     VLFolioEventClassifier(QFileInfo(rootPath)).start();
 }
 
-// A full disk is not noticed while the report is written: its last line says that all is there.
-bool isComplete(const QString& reportPath)
+// What is wrong with a report that could be opened, or an empty string. A full disk is not noticed
+// while it is written: its last line says that all is there.
+QString defect(const QString& reportPath)
 {
     constexpr QByteArrayView lastLine("</html>\n");
     QFile report(reportPath);
-    return report.open(QIODevice::ReadOnly) && report.seek(report.size() - lastLine.size())
-        && report.readAll() == lastLine;
+    if (!report.open(QIODevice::ReadOnly))
+        return u"it cannot be read back: "_s + report.errorString();
+    const bool isComplete =
+        report.seek(report.size() - lastLine.size()) && report.readAll() == lastLine;
+    return isComplete ? QString() : u"it is incomplete, the disk may be full"_s;
 }
 
 // What kept the report from being written, or an empty string.
@@ -48,7 +52,7 @@ QString failure(const ReportMessages& messages, const QString& reportPath)
             ? messages.openError() + u"; the old one could not be replaced"_s
             : messages.openError();
     }
-    return isComplete(reportPath) ? QString() : u"it is incomplete, the disk may be full"_s;
+    return defect(reportPath);
 }
 
 } // namespace

@@ -1,0 +1,20 @@
+#pragma once
+
+/// Calls of the system that can be told to fail. A shared library that takes the place of the C
+/// library's functions: in a program that is linked with it, and in one that it is preloaded into.
+/// The environment variable VLFOLIO_FAILING_CALL, "CALL FIRST LAST ERROR DIRECTORY", arms it at
+/// the program's begin; the line "failed" on standard error tells then that a call has failed.
+///
+/// The calls are "access", "close", "open", "opendir", "readdir", "readlink", "realpath", "stat"
+/// (in all its forms), "unlink" and "write". Those of the C library within itself do not count.
+extern "C" {
+
+/// Makes the \a first to the \a last \a call on \a directory or on anything below it fail with
+/// \a error, an errno value. The very first one is 1.
+void vlArmFailingCall(const char* call, long first, long last, int error, const char* directory);
+
+/// Ends the failing. Returns the path that the last failed call was about, or a null pointer if
+/// none has failed.
+const char* vlDisarmFailingCall();
+
+} // extern "C"
