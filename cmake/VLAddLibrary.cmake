@@ -1,4 +1,5 @@
 include(GNUInstallDirs)
+include(VLRunPath)
 
 # vl_add_library(NAME SOURCES ... HEADERS ... PUBLIC_LIBRARIES ...)
 #
@@ -37,9 +38,10 @@ function(vl_add_library name)
         SOVERSION ${PROJECT_VERSION_MAJOR}
         VERIFY_INTERFACE_HEADER_SETS ${PROJECT_IS_TOP_LEVEL}
     )
-    if(APPLE)
-        set_target_properties(${name} PROPERTIES INSTALL_RPATH "@loader_path")
+    # VLCore needs nothing beside it.
+    if(arg_PUBLIC_LIBRARIES MATCHES "VLCore")
+        vl_set_run_path(${name} "")
     else()
-        set_target_properties(${name} PROPERTIES INSTALL_RPATH "$ORIGIN")
+        vl_place_in_build_tree(${name})
     endif()
 endfunction()

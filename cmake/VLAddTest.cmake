@@ -15,6 +15,9 @@ function(vl_add_test name)
         Qt6::Test
         ${arg_LIBRARIES}
     )
+    if(TARGET VLQtLocksForTsan)
+        target_link_libraries(${target} PRIVATE VLQtLocksForTsan)
+    endif()
     if(NOT arg_LOCALES)
         vl_add_test_entry(${name} ${target} C.UTF-8)
     endif()

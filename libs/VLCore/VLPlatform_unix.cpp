@@ -3,6 +3,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QStringDecoder>
 
+#include <algorithm>
 #include <cerrno>
 #include <memory>
 #include <new>
@@ -35,6 +36,21 @@ bool isListed(const QString& name)
     return !name.startsWith(u'.');
 }
 
+// A byte order mark in front is part of the name, which QFile::decodeName() would drop. Nearly all
+// names are ASCII and need no decoder.
+QString decoded(QByteArrayView name)
+{
+    const bool isAscii = std::all_of(name.cbegin(), name.cend(), [](char unit) {
+        return static_cast<unsigned char>(unit) < 0x80;
+    });
+    if (isAscii)
+        return QString::fromLatin1(name);
+    QStringDecoder decode(QStringDecoder::Utf8,
+                          QStringDecoder::Flag::Stateless
+                              | QStringDecoder::Flag::ConvertInitialBom);
+    return decode(name);
+}
+
 // Decoding replaces what is not UTF-8, so that the way back does not lead to the same bytes.
 bool isUndecodable(const char* name, const QString& decoded)
 {
@@ -56,18 +72,14 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     Listing listing;
     const DirectoryStream stream(::opendir(QFile::encodeName(path).constData()));
     if (!stream && errno == ENOMEM)
-        throw std::bad_alloc();
+        throw std::bad_alloc(); // GCOV_EXCL_LINE: tested in processes that count nothing
     if (!stream)
         return listing;
     const int directory = ::dirfd(stream.get());
-    // A byte order mark in front is part of the name; QFile::decodeName() drops it.
-    QStringDecoder decode(QStringDecoder::Utf8,
-                          QStringDecoder::Flag::Stateless
-                              | QStringDecoder::Flag::ConvertInitialBom);
     // Only the error number tells the end of a directory from a failure.
     errno = 0;
     while (const dirent* const entry = ::readdir(stream.get())) {
-        const QString name = decode(QByteArrayView(entry->d_name));
+        const QString name = decoded(QByteArrayView(entry->d_name));
         const bool undecodable = isUndecodable(entry->d_name, name);
         listing.holdsUndecodableName |= undecodable;
         if (wanted == Wanted::Files && isListed(name)
