@@ -57,13 +57,26 @@ void makeLink(const QString& target, const QString& link)
              0);
 }
 
-/// Makes a file whose name is not UTF-8; false where the file system refuses it.
-bool makeUndecodableFile(const QString& directory)
+/// A file whose name is not UTF-8, for as long as it lives: Qt does not remove it.
+class UndecodableFile
 {
-    const int descriptor =
-        open((QFile::encodeName(directory) + "/m\xFCnchen").constData(), O_CREAT | O_WRONLY, 0644);
-    return descriptor >= 0 && close(descriptor) == 0;
-}
+public:
+    explicit UndecodableFile(const QString& directory)
+        : m_path(QFile::encodeName(directory) + "/m\xFCnchen")
+    {
+        const int descriptor = open(m_path.constData(), O_CREAT | O_WRONLY, 0644);
+        m_isValid = descriptor >= 0 && close(descriptor) == 0;
+    }
+    ~UndecodableFile() { unlink(m_path.constData()); }
+    Q_DISABLE_COPY_MOVE(UndecodableFile)
+
+    /// False where the file system refuses the name.
+    [[nodiscard]] bool isValid() const { return m_isValid; }
+
+private:
+    QByteArray m_path;
+    bool m_isValid = false;
+};
 
 void makeSocket(const QString& path)
 {
@@ -92,6 +105,12 @@ void makeProgram(const QString& path, const QByteArray& firstLine = {})
 QString argumentsFile(const QString& program)
 {
     return program + u".arguments"_s;
+}
+
+/// Waits until the program has been started and has written its arguments.
+bool hasRun(const QString& program)
+{
+    return QTest::qWaitFor([&program] { return QFile::exists(argumentsFile(program)); });
 }
 
 QByteArray contentsOf(const QString& path)
@@ -487,7 +506,8 @@ void tst_VLPlatformIndependent::files_of_a_file_engine_are_listed()
 
 void tst_VLPlatformIndependent::undecodable_file_name_is_listed_and_told()
 {
-    if (!makeUndecodableFile(m_directory->path()))
+    const UndecodableFile undecodable(m_directory->path());
+    if (!undecodable.isValid())
         QSKIP("This file system takes names in UTF-8 only");
     writeFile(path(u"a"_s));
     const HostService ofHost;
@@ -513,7 +533,8 @@ void tst_VLPlatformIndependent::directory_that_cannot_be_read_is_told()
 
 void tst_VLPlatformIndependent::directories_beside_undecodable_names()
 {
-    if (!makeUndecodableFile(m_directory->path()))
+    const UndecodableFile undecodable(m_directory->path());
+    if (!undecodable.isValid())
         QSKIP("This file system takes names in UTF-8 only");
     writeFile(path(u"file"_s));
     const QDir directory(m_directory->path());
@@ -566,7 +587,7 @@ void tst_VLPlatformIndependent::application_gets_the_file()
     const QString program = path(u"my viewer"_s);
     makeProgram(program);
     QVERIFY(VLPlatformIndependent::instance()->openFile(file, arguments, program));
-    QTRY_VERIFY(QFile::exists(argumentsFile(program)));
+    QVERIFY(hasRun(program));
     QTEST(contentsOf(argumentsFile(program)), "received");
 }
 
@@ -579,7 +600,7 @@ void tst_VLPlatformIndependent::relative_path_is_made_absolute()
     makeProgram(program);
     QVERIFY(QDir::setCurrent(m_directory->path()));
     QVERIFY(VLPlatformIndependent::instance()->openFile(u"--report.html"_s, {}, program));
-    QTRY_VERIFY(QFile::exists(argumentsFile(program)));
+    QVERIFY(hasRun(program));
     QCOMPARE(contentsOf(argumentsFile(program)),
              QFile::encodeName(QDir::currentPath()) + "/--report.html\n");
 }
@@ -594,7 +615,7 @@ void tst_VLPlatformIndependent::application_is_not_waited_for()
     QVERIFY(VLPlatformIndependent::instance()->openFile(u"/p/r.html"_s, {}, program));
     QVERIFY(!QFile::exists(argumentsFile(program)));
     writeFile(program + u".go"_s);
-    QTRY_VERIFY(QFile::exists(argumentsFile(program)));
+    QVERIFY(hasRun(program));
 }
 
 void tst_VLPlatformIndependent::application_is_found_in_the_path()
@@ -607,7 +628,7 @@ void tst_VLPlatformIndependent::application_is_found_in_the_path()
     qputenv("PATH", QFile::encodeName(m_directory->path()) + ':' + m_searchPath);
     QVERIFY(VLPlatformIndependent::instance()->openFile(u"/p/r.html"_s, { u"-n"_s },
                                                         u"vl-test-viewer"_s));
-    QTRY_VERIFY(QFile::exists(argumentsFile(program)));
+    QVERIFY(hasRun(program));
     QCOMPARE(contentsOf(argumentsFile(program)), QByteArray("-n\n/p/r.html\n"));
 }
 
@@ -621,7 +642,7 @@ void tst_VLPlatformIndependent::empty_application_is_the_desktops_own()
     makeProgram(program);
     qputenv("PATH", QFile::encodeName(m_directory->path()) + ':' + m_searchPath);
     QVERIFY(VLPlatformIndependent::instance()->openFile(u"/p/r.html"_s, { u"-n"_s }, u""_s));
-    QTRY_VERIFY(QFile::exists(argumentsFile(program)));
+    QVERIFY(hasRun(program));
     QCOMPARE(contentsOf(argumentsFile(program)), QByteArray("/p/r.html\n"));
 }
 

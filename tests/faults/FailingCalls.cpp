@@ -259,6 +259,14 @@ char* realpath(const char* path, char* resolved) noexcept
     return failsAt("realpath", path) ? nullptr : function(path, resolved);
 }
 
+// What realpath() becomes in a library that was built with _FORTIFY_SOURCE.
+// NOLINTNEXTLINE(bugprone-reserved-identifier)
+char* __realpath_chk(const char* path, char* resolved, std::size_t size) noexcept
+{
+    static const auto function = original<decltype(&__realpath_chk)>("__realpath_chk");
+    return failsAt("realpath", path) ? nullptr : function(path, resolved, size);
+}
+
 int stat(const char* path, struct stat* data) noexcept
 {
     static const auto function = original<int (*)(const char*, struct stat*)>("stat");

@@ -1,3 +1,4 @@
+#include <clocale>
 #include <cstdlib>
 
 #include <unistd.h>
@@ -10,6 +11,8 @@ namespace {
 {
     constexpr int setUpFailed = 125;
     const char* const root = std::getenv("VLFOLIO_TEST_ROOT");
+    // The new root has no data of locales. Those that are loaded already, the C library keeps.
+    std::setlocale(LC_ALL, "");
     if (root == nullptr || chroot(root) != 0 || chdir("/") != 0)
         _exit(setUpFailed);
 }

@@ -180,6 +180,12 @@ HostProgram& HostProgram::opener(Opener opener)
     return *this;
 }
 
+HostProgram& HostProgram::ignoringClosedPipes()
+{
+    m_ignoresClosedPipes = true;
+    return *this;
+}
+
 HostProgram& HostProgram::before(const std::function<void()>& step)
 {
     m_before = step;
@@ -207,7 +213,13 @@ HostProgram::Outcome HostProgram::run() const
     process.setWorkingDirectory(m_directory);
     if (!m_outputFile.isEmpty())
         process.setStandardOutputFile(m_outputFile);
+#if QT_VERSION >= QT_VERSION_CHECK(6, 6, 0)
+    // From here on, what the child's own steps do about this signal is undone.
+    if (m_ignoresClosedPipes)
+        process.setUnixProcessParameters(QProcess::UnixProcessFlag::IgnoreSigPipe);
+#endif
     const auto prepare = [&, this] {
+        std::signal(SIGPIPE, m_ignoresClosedPipes ? SIG_IGN : SIG_DFL);
         dup2(openedWriting.number(), openerDescriptor);
         if (m_output == Stream::Terminal)
             dup2(slave.number(), STDOUT_FILENO);
@@ -249,7 +261,7 @@ void ChildSteps::obeyPermissions()
 #endif
 }
 
-void ChildSteps::closedPipe(bool signalIgnored)
+void ChildSteps::closedPipe()
 {
     std::array<int, 2> ends {};
     if (pipe(ends.data()) != 0)
@@ -257,7 +269,6 @@ void ChildSteps::closedPipe(bool signalIgnored)
     dup2(ends[1], STDOUT_FILENO);
     close(ends[0]);
     close(ends[1]);
-    std::signal(SIGPIPE, signalIgnored ? SIG_IGN : SIG_DFL);
 }
 
 void ChildSteps::limitFileSize(unsigned long bytes)

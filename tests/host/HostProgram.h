@@ -43,6 +43,8 @@ public:
     HostProgram& error(Stream stream);
     HostProgram& outputFile(const QString& path);
     HostProgram& opener(Opener opener);
+    /// Begins the program with the signal of a closed pipe ignored.
+    HostProgram& ignoringClosedPipes();
     /// What the child does before the program begins. Nothing in it may allocate.
     HostProgram& before(const std::function<void()>& step);
 
@@ -57,6 +59,7 @@ private:
     Stream m_error = Stream::Pipe;
     QString m_outputFile;
     Opener m_opener = Opener::Recording;
+    bool m_ignoresClosedPipes = false;
     std::function<void()> m_before;
 };
 
@@ -68,8 +71,8 @@ namespace ChildSteps {
 /// meets the same refusals as any other user.
 void obeyPermissions();
 
-/// Standard output is a pipe that nobody reads, its signal as usual or ignored.
-void closedPipe(bool signalIgnored);
+/// Standard output is a pipe that nobody reads.
+void closedPipe();
 
 /// No file grows beyond \a bytes.
 void limitFileSize(unsigned long bytes);

@@ -1111,13 +1111,15 @@ void tst_vlfolio_classify::nobodyReads()
     const PictureTree tree;
     tree.addPictures();
 
-    const auto ended =
-        program(arguments).in(tree.path()).before([] { ChildSteps::closedPipe(false); }).run();
+    const auto ended = program(arguments).in(tree.path()).before(&ChildSteps::closedPipe).run();
     QCOMPARE(ended.error, QByteArray());
     QCOMPARE(ended.exitCode, -SIGPIPE);
 
-    const auto ignoring =
-        program(arguments).in(tree.path()).before([] { ChildSteps::closedPipe(true); }).run();
+    const auto ignoring = program(arguments)
+                              .in(tree.path())
+                              .ignoringClosedPipes()
+                              .before(&ChildSteps::closedPipe)
+                              .run();
     QCOMPARE(ignoring.error, QByteArray());
     QCOMPARE(ignoring.exitCode, 1);
 }

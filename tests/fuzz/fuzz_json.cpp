@@ -1,0 +1,89 @@
+// Random paths, types and occasions into the line of JSON that the program prints for a result. It
+// must be JSON to the letter, on one line, and read back as what went in.
+
+#include "FuzzedResults.h"
+#include "Fuzzing.h"
+#include "StrictJson.h"
+
+// The function is the file's own: no other code has a use for a single line.
+#include "ClassifyCommands.cpp" // NOLINT(bugprone-suspicious-include)
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Item = FuzzedResults::Item;
+
+class CountingPlatform : public VLPlatformIndependent
+{
+public:
+    QStringList getDirectFilesInDirectory(const QDir& directory) const override
+    {
+        return QStringList(directory.path().size(), u"x"_s);
+    }
+};
+
+// Qt's parser drops a byte order mark at the start of some texts, so that none takes part in the
+// comparison of what is read back.
+QString readBack(QString text)
+{
+    return text.remove(u'\ufeff');
+}
+
+QByteArray withoutByteOrderMarks(QByteArray line)
+{
+    return line.replace("\xef\xbb\xbf", "");
+}
+
+QJsonObject expectedObject(const Item& item, int prefixLength)
+{
+    const QString path = QFileInfo(item.path).absoluteFilePath();
+    QJsonArray occasions;
+    for (const FuzzedResults::Occasion& one : item.occasions) {
+        occasions.append(QJsonObject {
+            { u"occasion"_s, readBack(one.occasion) },
+            { u"source"_s, readBack(one.source) },
+            // JSON has no infinities and nothing that is no number.
+            { u"confidence"_s,
+              std::isfinite(one.confidence) ? QJsonValue(one.confidence) : QJsonValue() } });
+    }
+    const auto cut = std::clamp<qsizetype>(prefixLength, 0, path.size());
+    return { { u"path"_s, readBack(path) },
+             { u"relativePath"_s, readBack(path.sliced(cut)) },
+             { u"type"_s, FuzzedResults::nameOf(item.type) },
+             { u"value"_s, item.type },
+             { u"files"_s, QDir(path).path().size() },
+             { u"occasions"_s, occasions } };
+}
+
+} // namespace
+
+int LLVMFuzzerInitialize(int* argc, char*** argv)
+{
+    Q_UNUSED(argc)
+    Q_UNUSED(argv)
+    Fuzzing::endOnMessages();
+    static CountingPlatform platform;
+    VLPlatformIndependent::setInstance(&platform);
+    return 0;
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const QString inputText =
+        QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
+    const FuzzedResults input(data, size);
+    for (const Item& item : input.items) {
+        const QByteArray line =
+            jsonLine(FuzzedResults::resultOf(item), input.prefixLength).toUtf8();
+        Fuzzing::compare("is JSON to the letter", StrictJson::accepts(line), true, inputText);
+        Fuzzing::compare("is one line", line.contains('\n'), false, inputText);
+        QJsonParseError error {};
+        const QJsonDocument document = QJsonDocument::fromJson(withoutByteOrderMarks(line), &error);
+        Fuzzing::compare("parse error", int(error.error), int(QJsonParseError::NoError), inputText);
+        Fuzzing::compare("object", document.object(), expectedObject(item, input.prefixLength),
+                         inputText);
+    }
+    return 0;
+}

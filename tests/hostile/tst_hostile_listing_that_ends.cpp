@@ -1,0 +1,108 @@
+#include "RawDirectory.h"
+#include "TypeNames.h"
+
+#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
+
+#include <QtCore/QLibraryInfo>
+#include <QtCore/QRegularExpression>
+#include <QtCore/QVersionNumber>
+#include <QtTest/QTest>
+
+using namespace Qt::StringLiterals;
+
+using Result = VLEventFolderClassificationResult;
+
+namespace {
+
+int askedForTheVersion = 0;
+
+} // namespace
+
+// The program comes first when the libraries look for a function: to them this Qt is a version
+// whose listing ends at a name that it cannot decode, whatever the installed one does.
+QVersionNumber QLibraryInfo::version() noexcept
+{
+    ++askedForTheVersion;
+    return { 6, 8, 2 };
+}
+
+class tst_hostile_listing_that_ends : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void walk_data();
+    void walk();
+    void cleanupTestCase();
+};
+
+void tst_hostile_listing_that_ends::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".?"_s));
+}
+
+void tst_hostile_listing_that_ends::walk_data()
+{
+    QTest::addColumn<QByteArrayList>("folders");
+    QTest::addColumn<QStringList>("expected");
+
+    QTest::newRow("proper_names_only")
+        << QByteArrayList { "b", "2019", "B", "2018", ".hidden" }
+        << QStringList { u" Root"_s,      u"/2018 Year"_s,    u"/2019 Year"_s,   u"/B Unknown"_s,
+                         u"/b Unknown"_s, u"/link Unknown"_s, u"/pipe Unknown"_s };
+    QTest::newRow("undecodable_name_made_first")
+        << QByteArrayList { "\xff", "b", "2019", "B", "2018", ".hidden" }
+        << QStringList { u" Root"_s,      u"/2018 Year"_s, u"/2019 Year"_s,
+                         u"/B Unknown"_s, u"/b Unknown"_s, u"/link Unknown"_s };
+    QTest::newRow("undecodable_name_made_last")
+        << QByteArrayList { "b", "2019", "B", "2018", ".hidden", "\xff" }
+        << QStringList { u" Root"_s,      u"/2018 Year"_s, u"/2019 Year"_s,
+                         u"/B Unknown"_s, u"/b Unknown"_s, u"/link Unknown"_s };
+    QTest::newRow("undecodable_name_further_below")
+        << QByteArrayList { "2019", "2019/z", "2019/07", "2019/\xff", "2019/07/Beach" }
+        << QStringList { u" Root"_s,          u"/2019 Year"_s,
+                         u"/2019/07 Month"_s, u"/2019/07/Beach Event"_s,
+                         u"/2019/z Event"_s,  u"/link Unknown"_s,
+                         u"/pipe Unknown"_s };
+    QTest::newRow("order_of_code_units")
+        << QByteArrayList { "\xff", "\U0001f600", "\uff21", "a\u0308", "\u00e4",
+                            "a b",  "a-b",        "a",      "A" }
+        << QStringList { u" Root"_s,          u"/A Unknown"_s,      u"/a Unknown"_s,
+                         u"/a b Unknown"_s,   u"/a-b Unknown"_s,    u"/a\u0308 Unknown"_s,
+                         u"/link Unknown"_s,  u"/\u00e4 Unknown"_s, u"/\U0001f600 Unknown"_s,
+                         u"/\uff21 Unknown"_s };
+}
+
+void tst_hostile_listing_that_ends::walk()
+{
+    QFETCH(const QByteArrayList, folders);
+    QFETCH(const QStringList, expected);
+
+    RawDirectory tree;
+    for (const QByteArray& folder : folders)
+        tree.folder(folder);
+    tree.folder(".aim").link("link", ".aim").link("dangling", "nowhere").file("file");
+    // Only Qt lists it like a folder, which shows whose listing the walk goes by.
+    tree.fifo(".pipe").link("pipe", ".pipe");
+    if (!tree.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+
+    QStringList found;
+    const QFileInfo root(tree.path());
+    const QList<Result> results = VLFolioEventClassifier(root).eventFolderTypes(root, Result());
+    for (const Result& result : results) {
+        found.append(result.directory().absoluteFilePath().mid(tree.path().size()) + u' '
+                     + typeName(result.classification().value()));
+    }
+    QCOMPARE(found, expected);
+}
+
+// Else nothing was tested here but what is tested elsewhere.
+void tst_hostile_listing_that_ends::cleanupTestCase()
+{
+    QVERIFY(askedForTheVersion > 0);
+}
+
+QTEST_GUILESS_MAIN(tst_hostile_listing_that_ends)
+#include "tst_hostile_listing_that_ends.moc"
