@@ -80,7 +80,7 @@ private:
     static Item itemOf(const QByteArrayList& parts)
     {
         // "0" to "6" are the types with a name, everything else stands for itself.
-        const char kind = parts.constFirst().at(0);
+        const char kind = parts.constFirst().isEmpty() ? '\0' : parts.constFirst().at(0);
         const qint32 type = kind >= '1' && kind <= '6' ? 1 << (kind - '1') : kind == '0' ? 0 : kind;
         Item item { type, textOf(parts.constFirst().mid(1)), {} };
         // A path with a NUL is none, as Qt says in a warning.
