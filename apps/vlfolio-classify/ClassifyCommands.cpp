@@ -54,9 +54,9 @@ QList<VLEventFolderClassificationResult> classified(const QString& rootPath,
     const Progress progress([&platform] { return progressText(platform); });
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
-    const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+    auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
     // The walk says nothing of what it cannot read. Another look at each folder does.
-    for (const VLEventFolderClassificationResult& result : results) {
+    for (const VLEventFolderClassificationResult& result : std::as_const(results)) {
         const QStringList files =
             platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath()));
         Q_UNUSED(files)
@@ -104,7 +104,7 @@ QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
 void printSummary(VLEventFolderClassificationResultList& results,
                   const std::optional<VLEventFolderType>& only)
 {
-    for (const VLEventFolderType type : allTypes) {
+    for (const VLEventFolderTypeEnum type : allTypes) {
         if (!only || *only == type) {
             const qsizetype count = results.filtered(type).size();
             Terminal::writeLine(u"%1 %2"_s.arg(nameOf(type), -13).arg(count));

@@ -98,7 +98,7 @@ std::optional<QStringList>
 VLPlatformIndependent::directoriesBesideUndecodableNames(const QDir& directory)
 {
     const QString path = directory.path();
-    if (!QFileInfo(path).isNativePath())
+    if (!VLPlatform::mayHoldUndecodableNames() || !QFileInfo(path).isNativePath())
         return std::nullopt;
     VLPlatform::Listing listing = VLPlatform::listing(path, VLPlatform::Wanted::Directories);
     if (!listing.holdsUndecodableName)

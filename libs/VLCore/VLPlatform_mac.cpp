@@ -16,8 +16,12 @@ VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringLi
     return { u"open"_s, all };
 }
 
+bool VLPlatform::mayHoldUndecodableNames()
+{
+    return false;
+}
+
 // An entry is hidden here by its name or by a flag of the file system, which Qt knows how to read.
-// The file systems of this platform keep every name in UTF-8.
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
     const bool wantsFiles = wanted == Wanted::Files;

@@ -20,6 +20,9 @@ struct Command
 [[nodiscard]] Command openCommand(const QString& path, const QStringList& arguments,
                                   const QString& application);
 
+/// True where a file system may hold names that are not UTF-8.
+[[nodiscard]] bool mayHoldUndecodableNames();
+
 /// What stands directly inside a directory, in no particular order.
 struct Listing
 {

@@ -67,6 +67,11 @@ VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringLi
     return { application, arguments + QStringList { path } };
 }
 
+bool VLPlatform::mayHoldUndecodableNames()
+{
+    return true;
+}
+
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
     Listing listing;

@@ -5,6 +5,7 @@
 #include <QtCore/QDebug>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QScopeGuard>
 
 #include <algorithm>
@@ -119,7 +120,11 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
         stream.flush();
         file.close();
     } else {
-        qWarning("%ls", qUtf16Printable(failureText(reportFile, file)));
+        // Not through a format, which would end the text at a NUL within the path.
+        const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
+                                         "default");
+        if (QLoggingCategory::defaultCategory()->isWarningEnabled())
+            qt_message_output(QtWarningMsg, context, failureText(reportFile, file));
     }
     VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
 }

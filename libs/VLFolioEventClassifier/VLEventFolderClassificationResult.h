@@ -17,8 +17,9 @@
 /// result.render(10);   // "  Month <= 2023/07"
 /// \endcode
 ///
-/// Threads: a value whose parts are implicitly shared; distinct objects, copies included, may be
-/// used from distinct threads.
+/// Threads: distinct objects may be used from distinct threads, but for copies: they share one
+/// QFileInfo, in which Qt caches what it has found out, without a lock. A thread that gets a copy
+/// makes it anew from a QFileInfo of the path.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderClassificationResult
 {
 public:
@@ -54,8 +55,9 @@ public:
     void setOccasionInformation(const VLOccasionInfoList& occasionInformation);
 
     /// Returns the result as one line "type <= path". The name of the type is padded on the left
-    /// to seven UTF-16 code units; a combination of types has no name. A path that holds "%0" or
-    /// "%1" takes the name there, and the line keeps a "%2" in its stead.
+    /// to seven UTF-16 code units; a combination of types has no name. A path that holds a
+    /// placeholder of QString::arg() for 0 or 1 ("%0", "%1", "%L1") takes the name there, and the
+    /// line keeps a "%2" in its stead.
     ///
     /// \param prefixLength how many UTF-16 code units are left out at the start of the directory's
     ///     absolute path (QFileInfo::absoluteFilePath()). A negative number leaves out none, one

@@ -103,15 +103,31 @@ bool holdsPunctuationOf(const QString& format, const QString& name)
     });
 }
 
-bool isLocalDate(const QLocale& locale, const QString& name)
+// How many numbers a date of this format has at least: of the fields for year, month and day those
+// that are written in digits. The text in quotes is no field.
+int numbersIn(const QString& format)
+{
+    const QStringList parts = format.split(u'\'');
+    QString fields;
+    for (qsizetype i = 0; i < parts.size(); i += 2)
+        fields += parts.at(i) + u' ';
+    const auto isNumber = [&fields](QChar letter) {
+        return fields.contains(letter) && !fields.contains(QString(3, letter));
+    };
+    return int(fields.contains(u'y')) + int(isNumber(u'M')) + int(isNumber(u'd'));
+}
+
+bool isLocalDate(const QLocale& locale, const QString& name, qsizetype digitCount)
 {
     // Most locales have one format for two of the types, and a parse costs up to two microseconds.
     QStringList tried;
     return std::any_of(formatTypes.cbegin(), formatTypes.cend(),
-                       [&locale, &name, &tried](QLocale::FormatType formatType) {
+                       [&locale, &name, &tried, digitCount](QLocale::FormatType formatType) {
                            const QString format = locale.dateFormat(formatType);
-                           if (tried.contains(format) || !holdsPunctuationOf(format, name))
+                           if (digitCount < numbersIn(format) || tried.contains(format)
+                               || !holdsPunctuationOf(format, name)) {
                                return false;
+                           }
                            tried.append(format);
                            return toDate(locale, name, formatType).isValid();
                        });
@@ -216,9 +232,9 @@ bool keepsItsName(const QFileInfo& directory, const QString& name)
 }
 
 // QFileInfo compares canonical paths, at the cost of a system call for each component of a path.
-// This finds most directories different without one: what is no link keeps its name in its
-// canonical path. Two paths of different files have different canonical paths, too. Everything
-// else is for QFileInfo to decide.
+// This finds most directories different without one: what was no link when it was listed keeps its
+// name in its canonical path. Two paths of different files have different canonical paths, too.
+// Everything else is for QFileInfo to decide.
 bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
 {
     // One path is one directory, even if that comes and goes between two looks at it.
@@ -228,14 +244,16 @@ bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
         return false;
     const QString name = directory.fileName();
     const QString rootPath = root.canonicalFilePath();
-    if (!rootPath.isEmpty() && keepsItsName(directory, name)
+    if (rootPath.isEmpty())
+        return false;
+    if (keepsItsName(directory, name)
         && areOtherNames(name, QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1))) {
         return true;
     }
     std::error_code error;
     const bool isOneFile =
         std::filesystem::equivalent(QFile::encodeName(directory.filePath()).constData(),
-                                    QFile::encodeName(root.filePath()).constData(), error);
+                                    QFile::encodeName(rootPath).constData(), error);
     return !isOneFile && !error;
 }
 
@@ -389,11 +407,14 @@ bool VLFolioEventClassifier::matchesDate(const QString& name) const
     const QLocale systemLocale = QLocale::system();
     // One locale gives the same answer twice.
     const bool isOneLocale = defaultLocale == systemLocale;
-    // No language names a day with two digits, and none writes a date with less than two.
-    if (digits.all < 2)
-        return isDayName(defaultLocale, name) || (!isOneLocale && isDayName(systemLocale, name));
-    return isLocalDate(defaultLocale, name) || (!isOneLocale && isLocalDate(systemLocale, name))
-        || isFixedFormatDate(name);
+    // No language names a day with two digits.
+    if (digits.all < 2
+        && (isDayName(defaultLocale, name) || (!isOneLocale && isDayName(systemLocale, name)))) {
+        return true;
+    }
+    return isLocalDate(defaultLocale, name, digits.all)
+        || (!isOneLocale && isLocalDate(systemLocale, name, digits.all))
+        || (digits.all >= 2 && isFixedFormatDate(name));
 }
 
 bool VLFolioEventClassifier::matchesMonth(const QString& name) const

@@ -28,7 +28,8 @@
 /// subdirectories. Only std::bad_alloc passes through, and the classifier is unchanged then.
 ///
 /// Threads: everything runs on the calling thread. A classifier holds nothing but its root, so
-/// several threads may each use their own; one object belongs to one thread at a time.
+/// several threads may each use their own; one object belongs to one thread at a time. Make each
+/// from a QFileInfo of its own: copies of one QFileInfo share what Qt caches in it, without a lock.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:
@@ -94,10 +95,11 @@ public:
     [[nodiscard]] bool matchesDate(const QString& name) const;
 
     /// True when \a name is the long or short name of a month in the QLocale() of the first call
-    /// in this process, in the same case, or a number from 1 to 12, with or without a leading 0.
+    /// in this process, in the same case, or a number from 1 to 12 or 01 to 09.
     [[nodiscard]] bool matchesMonth(const QString& name) const;
 
-    /// True when the digit 2 and three more ASCII digits stand anywhere in \a name.
+    /// True when the digit 2 and three more ASCII digits stand anywhere in \a name, unless that
+    /// holds a lone surrogate.
     [[nodiscard]] bool matchesYear(const QString& name) const;
 
 private:

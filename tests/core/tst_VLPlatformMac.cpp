@@ -30,12 +30,18 @@ class tst_VLPlatformMac : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void every_name_is_decodable();
     void open_command_data();
     void open_command();
     void listing_of_files();
     void listing_of_directories();
     void listing_of_a_missing_directory_is_empty();
 };
+
+void tst_VLPlatformMac::every_name_is_decodable()
+{
+    QVERIFY(!VLPlatform::mayHoldUndecodableNames());
+}
 
 void tst_VLPlatformMac::open_command_data()
 {

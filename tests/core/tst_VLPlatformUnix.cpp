@@ -32,6 +32,7 @@ class tst_VLPlatformUnix : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void names_may_be_undecodable();
     void open_command_data();
     void open_command();
     void listing_of_files();
@@ -40,6 +41,11 @@ private Q_SLOTS:
     void undecodable_names_data();
     void undecodable_names();
 };
+
+void tst_VLPlatformUnix::names_may_be_undecodable()
+{
+    QVERIFY(VLPlatform::mayHoldUndecodableNames());
+}
 
 void tst_VLPlatformUnix::open_command_data()
 {

@@ -138,10 +138,9 @@ private:
 
     void visit(const Place& place, Walked& walked) const
     {
-        if (place.links > mostLinksInAPath)
-            return;
+        // Where exactly a circle of links ends is the system's affair.
         walked.isTooLarge = walked.isTooLarge || walked.lines.size() >= mostResults
-            || place.path.size() > longestPath;
+            || place.path.size() > longestPath || place.links > mostLinksInAPath;
         if (walked.isTooLarge)
             return;
         static const QStringList months = LiteralRules::monthNames(QLocale());

@@ -98,8 +98,6 @@ void tst_threads_service::replacedDuringRuns()
     QCOMPARE(first.opened + second.opened, runs);
     QCOMPARE(first.changed + second.changed, runs);
     QCOMPARE(first.listed + second.listed, roundCount * (workerCount * 7 + 6 + 21));
-    QVERIFY(first.listed > 0);
-    QVERIFY(second.listed > 0);
 }
 
 void tst_threads_service::takenOutDuringReports()
