@@ -120,8 +120,7 @@ void tst_threads_service::takenOutDuringReports()
 
     constexpr int runs = workerCount * roundCount;
     QCOMPARE(wrong.load(), 0);
-    QVERIFY(service.changed > 0);
-    QVERIFY(service.changed < runs);
+    QVERIFY(service.changed <= runs);
 }
 
 QTEST_GUILESS_MAIN(tst_threads_service)
