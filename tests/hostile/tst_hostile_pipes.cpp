@@ -53,7 +53,7 @@ bool makeDevices(const RawDirectory& tree)
 
 } // namespace
 
-class tst_hostile_special_files : public QObject
+class tst_hostile_pipes : public QObject
 {
     Q_OBJECT
 
@@ -67,12 +67,12 @@ private Q_SLOTS:
     void linkToAPipeUnderTheReportsName();
 };
 
-void tst_hostile_special_files::init()
+void tst_hostile_pipes::init()
 {
     QTest::failOnWarning(QRegularExpression(u".?"_s));
 }
 
-void tst_hostile_special_files::pipesAndSocketsAreNeitherFoldersNorFiles()
+void tst_hostile_pipes::pipesAndSocketsAreNeitherFoldersNorFiles()
 {
     RawDirectory tree;
     tree.folder("2019").fifo("2019/a.jpg").socket("2019/b.jpg").file("2019/c.jpg");
@@ -86,7 +86,7 @@ void tst_hostile_special_files::pipesAndSocketsAreNeitherFoldersNorFiles()
     QVERIFY(report.endsWith("</html>\n"));
 }
 
-void tst_hostile_special_files::devicesAreNeitherFoldersNorFiles()
+void tst_hostile_pipes::devicesAreNeitherFoldersNorFiles()
 {
     RawDirectory tree;
     tree.folder("2019").file("2019/c.jpg");
@@ -99,7 +99,7 @@ void tst_hostile_special_files::devicesAreNeitherFoldersNorFiles()
 }
 
 // QDir::Dirs leaves out links to files alone. Nothing is below such a "folder".
-void tst_hostile_special_files::linksToThemAreListedLikeFoldersByQt()
+void tst_hostile_pipes::linksToThemAreListedLikeFoldersByQt()
 {
     RawDirectory tree;
     tree.fifo("pipe").socket("socket").link("to_pipe", "pipe").link("to_socket", "socket");
@@ -114,7 +114,7 @@ void tst_hostile_special_files::linksToThemAreListedLikeFoldersByQt()
     QVERIFY(report.endsWith("</html>\n"));
 }
 
-void tst_hostile_special_files::rootIsAPipe()
+void tst_hostile_pipes::rootIsAPipe()
 {
     RawDirectory tree;
     tree.fifo("2019");
@@ -123,7 +123,7 @@ void tst_hostile_special_files::rootIsAPipe()
     QCOMPARE(walkedPaths(tree.path() + u"/2019"_s), QStringList { u""_s });
 }
 
-void tst_hostile_special_files::pipeUnderTheReportsName()
+void tst_hostile_pipes::pipeUnderTheReportsName()
 {
     RawDirectory tree;
     tree.fifo(reportName);
@@ -133,7 +133,7 @@ void tst_hostile_special_files::pipeUnderTheReportsName()
     QVERIFY(reportOf(tree).endsWith("</html>\n"));
 }
 
-void tst_hostile_special_files::linkToAPipeUnderTheReportsName()
+void tst_hostile_pipes::linkToAPipeUnderTheReportsName()
 {
     RawDirectory tree;
     tree.fifo("pipe").link(reportName, "pipe");
@@ -148,5 +148,5 @@ void tst_hostile_special_files::linkToAPipeUnderTheReportsName()
     QVERIFY(S_ISFIFO(status.st_mode));
 }
 
-QTEST_GUILESS_MAIN(tst_hostile_special_files)
-#include "tst_hostile_special_files.moc"
+QTEST_GUILESS_MAIN(tst_hostile_pipes)
+#include "tst_hostile_pipes.moc"
