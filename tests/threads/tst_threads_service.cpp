@@ -7,7 +7,9 @@
 #include <QtTest/QTest>
 
 #include <array>
+#include <atomic>
 #include <memory>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 
@@ -48,15 +50,33 @@ template <typename Work, typename Replace>
 void tst_threads_service::runWhileReplacing(const Work& work, const Replace& replace) const
 {
     std::atomic_int busy { workerCount };
+    std::atomic_int finished { 0 };
+    std::atomic_int replaced { 0 };
+    const auto waitForReplacement = [&replaced](int count) {
+        while (replaced < count)
+            std::this_thread::yield();
+    };
     const QtMessageHandler previous = qInstallMessageHandler(ignoreMessage);
-    runTogether(workerCount + 1, [this, &work, &replace, &busy](int number) {
+    runTogether(workerCount + 1, [&, this](int number) {
         if (number < workerCount) {
-            for (int round = 0; round < roundCount; ++round)
+            for (int round = 0; round < roundCount; ++round) {
+                // Whoever is scheduled first, no work begins before the first replacement, and the
+                // last of each worker not before the second.
+                waitForReplacement(round == 0 ? 1 : round == roundCount - 1 ? 2 : 0);
                 work(*m_trees.at(static_cast<std::size_t>(number)));
+                ++finished;
+            }
             --busy;
         } else {
-            for (int count = 0; busy > 0; ++count)
+            for (int count = 0; busy > 0; ++count) {
                 replace(count);
+                const int before = finished;
+                ++replaced;
+                // The first two stay until one work has begun and ended under them; the others come
+                // as fast as they can.
+                while (count < 2 && busy > 0 && finished <= before + workerCount)
+                    std::this_thread::yield();
+            }
         }
     });
     qInstallMessageHandler(previous);
@@ -98,6 +118,8 @@ void tst_threads_service::replacedDuringRuns()
     QCOMPARE(first.opened + second.opened, runs);
     QCOMPARE(first.changed + second.changed, runs);
     QCOMPARE(first.listed + second.listed, roundCount * (workerCount * 7 + 6 + 21));
+    QVERIFY(first.listed > 0);
+    QVERIFY(second.listed > 0);
 }
 
 void tst_threads_service::takenOutDuringReports()
@@ -120,7 +142,8 @@ void tst_threads_service::takenOutDuringReports()
 
     constexpr int runs = workerCount * roundCount;
     QCOMPARE(wrong.load(), 0);
-    QVERIFY(service.changed <= runs);
+    QVERIFY(service.changed > 0);
+    QVERIFY(service.changed < runs);
 }
 
 QTEST_GUILESS_MAIN(tst_threads_service)
