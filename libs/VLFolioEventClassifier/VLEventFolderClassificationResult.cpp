@@ -2,6 +2,20 @@
 
 using namespace Qt::StringLiterals;
 
+namespace {
+
+// Compared are objects that no other thread sees: QFileInfo caches what it finds out, without a
+// lock.
+bool areEqual(const QFileInfo& first, const QFileInfo& second)
+{
+    // Objects without a path cache nothing, and are equal only to their copies.
+    if (first.filePath().isEmpty() || second.filePath().isEmpty())
+        return first == second;
+    return QFileInfo(first.filePath()) == QFileInfo(second.filePath());
+}
+
+} // namespace
+
 VLEventFolderClassificationResult::VLEventFolderClassificationResult() = default;
 
 VLEventFolderClassificationResult::VLEventFolderClassificationResult(
@@ -9,6 +23,9 @@ VLEventFolderClassificationResult::VLEventFolderClassificationResult(
     : m_directory(directory)
     , m_classification(classification)
 {
+    // Qt caches the path without a lock, in data that copies share. Once it is there it is only
+    // read.
+    (void)m_directory.absoluteFilePath();
 }
 
 VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = default;
@@ -16,7 +33,7 @@ VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = defaul
 bool VLEventFolderClassificationResult::operator==(
     const VLEventFolderClassificationResult& other) const
 {
-    return m_classification == other.m_classification && m_directory == other.m_directory;
+    return m_classification == other.m_classification && areEqual(m_directory, other.m_directory);
 }
 
 QFileInfo VLEventFolderClassificationResult::directory() const

@@ -17,16 +17,17 @@
 /// result.render(10);   // "  Month <= 2023/07"
 /// \endcode
 ///
-/// Threads: distinct objects may be used from distinct threads, but for copies: they share one
-/// QFileInfo, in which Qt caches what it has found out, without a lock. A thread that gets a copy
-/// makes it anew from a QFileInfo of the path.
+/// Threads: distinct objects may be used from distinct threads, copies included, and one object may
+/// be read by several. What directory() gives back is not as free, see there.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderClassificationResult
 {
 public:
     /// Makes a result without a directory (a default-constructed QFileInfo), of the type Unknown,
     /// with no occasions.
     VLEventFolderClassificationResult();
-    /// Makes the result of \a directory, which need not exist, with no occasions.
+    /// Makes the result of \a directory, which need not exist, with no occasions. A relative
+    /// \a directory takes its absolute path from the working directory of this moment, unless it
+    /// was asked for that before or does not cache.
     VLEventFolderClassificationResult(const QFileInfo& directory,
                                       const VLEventFolderType& classification);
     VLEventFolderClassificationResult(const VLEventFolderClassificationResult&) = default;
@@ -41,10 +42,13 @@ public:
     /// True when the types are the same number and QFileInfo's `operator==` says that the
     /// directories are the same, which may have to look at the file system. So two directories
     /// that do not exist are the same, and two default-constructed results are different unless
-    /// one is a copy of the other. Occasions do not count.
+    /// one is a copy of the other. Occasions do not count. The file system is looked at anew each
+    /// time: what was found out once is not kept.
     [[nodiscard]] bool operator==(const VLEventFolderClassificationResult& other) const;
 
-    /// The directory.
+    /// The directory. It shares its data with the one in this object and in copies of it: all may
+    /// ask it for filePath() and absoluteFilePath() at once, but Qt caches what else it finds out
+    /// without a lock, so a thread that wants more makes a QFileInfo of its own from the path.
     [[nodiscard]] QFileInfo directory() const;
     /// Its type, or a combination of types.
     [[nodiscard]] VLEventFolderType classification() const;

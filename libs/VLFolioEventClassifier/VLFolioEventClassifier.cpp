@@ -320,6 +320,10 @@ Q_NEVER_INLINE void moveTo(QList<VLEventFolderClassificationResult>& results,
 VLFolioEventClassifier::VLFolioEventClassifier(const QFileInfo& root)
     : rootDirectory(root)
 {
+    // Setting anything gives it data of its own: Qt caches without a lock what it finds out about a
+    // file. One without a path caches nothing, and would no longer equal its copies.
+    if (!root.filePath().isEmpty())
+        rootDirectory.setCaching(root.caching());
 }
 
 VLFolioEventClassifier::~VLFolioEventClassifier() = default;

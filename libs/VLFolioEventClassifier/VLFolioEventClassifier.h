@@ -28,8 +28,9 @@
 /// subdirectories. Only std::bad_alloc passes through, and the classifier is unchanged then.
 ///
 /// Threads: everything runs on the calling thread. A classifier holds nothing but its root, so
-/// several threads may each use their own; one object belongs to one thread at a time. Make each
-/// from a QFileInfo of its own: copies of one QFileInfo share what Qt caches in it, without a lock.
+/// several threads may each use their own; one object belongs to one thread at a time. Classifiers
+/// may be made of one QFileInfo, but what is passed to the other operations must belong to the
+/// calling thread: copies of a QFileInfo share what Qt caches in it, without a lock.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:
