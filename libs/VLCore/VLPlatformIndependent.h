@@ -64,9 +64,10 @@ public:
     /// The built-in service does nothing.
     virtual void directoryContentsChanged(const QDir& directory);
 
-    /// Returns the names of the directories, and of links to such, directly inside \a directory, if
-    /// anything in it has a name that is not UTF-8; otherwise nothing. Names that are not UTF-8 and
-    /// hidden ones are left out; the order is unspecified.
+    /// Returns the names of the directories directly inside \a directory, and of links to anything
+    /// but regular files, as QDir::Dirs has them, if anything in it has a name that is not UTF-8;
+    /// otherwise nothing. Names that are not UTF-8 and hidden ones are left out; the order is
+    /// unspecified.
     ///
     /// Qt's listing passes over a name that it cannot decode up to Qt 6.4, and ends at it in
     /// Qt 6.8: there this finds the directories that it loses.

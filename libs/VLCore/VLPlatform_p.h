@@ -29,8 +29,9 @@ struct Listing
     /// Names of the regular files and of links to such, those that are not UTF-8 included, hidden
     /// ones left out.
     QStringList files;
-    /// Names of the directories and of links to such, hidden ones left out. A name that is not
-    /// UTF-8 is left out, too: no QString leads to it.
+    /// Names of the directories and of links to anything but regular files, hidden ones left out:
+    /// those that QDir lists as directories. A name that is not UTF-8 is left out, too: no QString
+    /// leads to it.
     QStringList directories;
     /// True when any name, also a hidden one, is not UTF-8.
     bool holdsUndecodableName = false;

@@ -22,13 +22,34 @@ struct CloseDirectory
 };
 using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
 
-// Most file systems say the kind of an entry with its name; only links and the others cost a call.
-bool isOfKind(int directory, const dirent& entry, unsigned char type, mode_t mode)
+// Most file systems say the kind of an entry with its name.
+mode_t kindOf(int directory, const dirent& entry)
 {
-    if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN)
-        return entry.d_type == type;
-    struct stat target = {};
-    return ::fstatat(directory, entry.d_name, &target, 0) == 0 && (target.st_mode & S_IFMT) == mode;
+    if (entry.d_type != DT_UNKNOWN)
+        return DTTOIF(entry.d_type);
+    struct stat status = {};
+    const bool isKnown = ::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
+    return isKnown ? status.st_mode & S_IFMT : 0;
+}
+
+// What a link leads to, or 0. Asked for by its whole path, as Qt does: the system refuses a path
+// with too many links, and would count anew from an open directory.
+mode_t kindOfTarget(const QByteArray& link)
+{
+    struct stat status = {};
+    return ::stat(link.constData(), &status) == 0 ? status.st_mode & S_IFMT : 0;
+}
+
+// Whether an entry is of the kind that is looked for, or a link to such.
+bool isWanted(VLPlatform::Wanted wanted, int directory, const dirent& entry, const QByteArray& path)
+{
+    const mode_t kind = kindOf(directory, entry);
+    const bool isLink = kind == S_IFLNK;
+    const mode_t target = isLink ? kindOfTarget(path + '/' + entry.d_name) : kind;
+    if (wanted == VLPlatform::Wanted::Files)
+        return target == S_IFREG;
+    // QDir takes every link for a directory that leads to something else than a file.
+    return isLink ? target != 0 && target != S_IFREG : target == S_IFDIR;
 }
 
 bool isListed(const QString& name)
@@ -75,7 +96,8 @@ bool VLPlatform::mayHoldUndecodableNames()
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
     Listing listing;
-    const DirectoryStream stream(::opendir(QFile::encodeName(path).constData()));
+    const QByteArray directoryPath = QFile::encodeName(path);
+    const DirectoryStream stream(::opendir(directoryPath.constData()));
     if (!stream && errno == ENOMEM)
         throw std::bad_alloc(); // GCOV_EXCL_LINE: tested in processes that count nothing
     if (!stream)
@@ -87,12 +109,9 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
         const QString name = decoded(QByteArrayView(entry->d_name));
         const bool undecodable = isUndecodable(entry->d_name, name);
         listing.holdsUndecodableName |= undecodable;
-        if (wanted == Wanted::Files && isListed(name)
-            && isOfKind(directory, *entry, DT_REG, S_IFREG))
-            listing.files.append(name);
-        else if (wanted == Wanted::Directories && isListed(name) && !undecodable
-                 && isOfKind(directory, *entry, DT_DIR, S_IFDIR))
-            listing.directories.append(name);
+        const bool isKept = wanted == Wanted::Files || !undecodable;
+        if (isKept && isListed(name) && isWanted(wanted, directory, *entry, directoryPath))
+            (wanted == Wanted::Files ? listing.files : listing.directories).append(name);
         errno = 0;
     }
     listing.isComplete = errno == 0;

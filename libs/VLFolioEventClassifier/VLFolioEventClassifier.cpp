@@ -275,9 +275,13 @@ bool listingEndsAtUndecodableName()
 QFileInfoList sortedEntries(const QDir& directory, QStringList names)
 {
     std::sort(names.begin(), names.end());
+    // Not joined by QDir, which takes a name such as ":name" for the path of a resource.
+    QString prefix = directory.path();
+    if (!prefix.endsWith(u'/'))
+        prefix += u'/';
     QFileInfoList entries;
     for (const QString& name : std::as_const(names))
-        entries.append(QFileInfo(directory, name));
+        entries.append(QFileInfo(prefix + name));
     return entries;
 }
 

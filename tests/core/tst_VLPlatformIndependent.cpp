@@ -541,9 +541,17 @@ void tst_VLPlatformIndependent::directories_beside_undecodable_names()
     QVERIFY(directory.mkdir(u"sub"_s));
     QVERIFY(directory.mkdir(u".hidden"_s));
     makeLink(u"sub"_s, path(u"link"_s));
+    makeLink(u"file"_s, path(u"linkToFile"_s));
+    makeLink(u"missing"_s, path(u"danglingLink"_s));
+    makeLink(u"linkInCircle"_s, path(u"linkInCircle"_s));
+    makeLink(u"/dev/null"_s, path(u"linkToDevice"_s));
+    makeSocket(path(u"socket"_s));
+    makeLink(u"socket"_s, path(u"linkToSocket"_s));
     const auto found = VLPlatformIndependent::directoriesBesideUndecodableNames(directory);
     QVERIFY(found.has_value());
-    QCOMPARE(sorted(*found), (QStringList { u"link"_s, u"sub"_s }));
+    // Links to devices and sockets are among the directories that QDir lists, too.
+    QCOMPARE(sorted(*found),
+             (QStringList { u"link"_s, u"linkToDevice"_s, u"linkToSocket"_s, u"sub"_s }));
 }
 
 void tst_VLPlatformIndependent::directories_without_undecodable_names_are_left_to_qt()

@@ -138,9 +138,10 @@ private:
 
     void visit(const Place& place, Walked& walked) const
     {
-        // Where exactly a circle of links ends is the system's affair.
+        if (place.links > mostLinksInAPath)
+            return;
         walked.isTooLarge = walked.isTooLarge || walked.lines.size() >= mostResults
-            || place.path.size() > longestPath || place.links > mostLinksInAPath;
+            || place.path.size() > longestPath;
         if (walked.isTooLarge)
             return;
         static const QStringList months = LiteralRules::monthNames(QLocale());

@@ -34,6 +34,7 @@ private Q_SLOTS:
     void init();
     void walk_data();
     void walk();
+    void circleEndsAtFortyLinks();
     void cleanupTestCase();
 };
 
@@ -53,24 +54,30 @@ void tst_hostile_listing_that_ends::walk_data()
                          u"/b Unknown"_s, u"/link Unknown"_s, u"/pipe Unknown"_s };
     QTest::newRow("undecodable_name_made_first")
         << QByteArrayList { "\xff", "b", "2019", "B", "2018", ".hidden" }
-        << QStringList { u" Root"_s,      u"/2018 Year"_s, u"/2019 Year"_s,
-                         u"/B Unknown"_s, u"/b Unknown"_s, u"/link Unknown"_s };
+        << QStringList { u" Root"_s,      u"/2018 Year"_s,    u"/2019 Year"_s,   u"/B Unknown"_s,
+                         u"/b Unknown"_s, u"/link Unknown"_s, u"/pipe Unknown"_s };
     QTest::newRow("undecodable_name_made_last")
         << QByteArrayList { "b", "2019", "B", "2018", ".hidden", "\xff" }
-        << QStringList { u" Root"_s,      u"/2018 Year"_s, u"/2019 Year"_s,
-                         u"/B Unknown"_s, u"/b Unknown"_s, u"/link Unknown"_s };
+        << QStringList { u" Root"_s,      u"/2018 Year"_s,    u"/2019 Year"_s,   u"/B Unknown"_s,
+                         u"/b Unknown"_s, u"/link Unknown"_s, u"/pipe Unknown"_s };
     QTest::newRow("undecodable_name_further_below")
         << QByteArrayList { "2019", "2019/z", "2019/07", "2019/\xff", "2019/07/Beach" }
         << QStringList { u" Root"_s,          u"/2019 Year"_s,
                          u"/2019/07 Month"_s, u"/2019/07/Beach Event"_s,
                          u"/2019/z Event"_s,  u"/link Unknown"_s,
                          u"/pipe Unknown"_s };
+    QTest::newRow("names_like_paths_of_resources")
+        << QByteArrayList { "\xff", ":2019", ":2019/:" }
+        << QStringList { u" Root"_s, u"/:2019 Year"_s, u"/:2019/: Event"_s, u"/link Unknown"_s,
+                         u"/pipe Unknown"_s };
     QTest::newRow("order_of_code_units")
         << QByteArrayList { "\xff", "\U0001f600", "\uff21", "a\u0308", "\u00e4",
                             "a b",  "a-b",        "a",      "A" }
-        << QStringList { u" Root"_s,          u"/A Unknown"_s,      u"/a Unknown"_s,
-                         u"/a b Unknown"_s,   u"/a-b Unknown"_s,    u"/a\u0308 Unknown"_s,
-                         u"/link Unknown"_s,  u"/\u00e4 Unknown"_s, u"/\U0001f600 Unknown"_s,
+        << QStringList { u" Root"_s,           u"/A Unknown"_s,
+                         u"/a Unknown"_s,      u"/a b Unknown"_s,
+                         u"/a-b Unknown"_s,    u"/a\u0308 Unknown"_s,
+                         u"/link Unknown"_s,   u"/pipe Unknown"_s,
+                         u"/\u00e4 Unknown"_s, u"/\U0001f600 Unknown"_s,
                          u"/\uff21 Unknown"_s };
 }
 
@@ -83,7 +90,7 @@ void tst_hostile_listing_that_ends::walk()
     for (const QByteArray& folder : folders)
         tree.folder(folder);
     tree.folder(".aim").link("link", ".aim").link("dangling", "nowhere").file("file");
-    // Only Qt lists it like a folder, which shows whose listing the walk goes by.
+    // Qt lists it like a folder.
     tree.fifo(".pipe").link("pipe", ".pipe");
     if (!tree.isValid())
         QSKIP("This file system takes names in UTF-8 only");
@@ -96,6 +103,21 @@ void tst_hostile_listing_that_ends::walk()
                      + typeName(result.classification().value()));
     }
     QCOMPARE(found, expected);
+}
+
+// As a path from the root, that is: each listing by itself would meet one link only.
+void tst_hostile_listing_that_ends::circleEndsAtFortyLinks()
+{
+    RawDirectory tree;
+    tree.folder("\xff").link("circle", ".");
+    if (!tree.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+
+    const QFileInfo root(tree.path());
+    const QList<Result> results = VLFolioEventClassifier(root).eventFolderTypes(root, Result());
+    QCOMPARE(results.size(), 41);
+    QCOMPARE(results.last().directory().absoluteFilePath(),
+             tree.path() + u"/circle"_s.repeated(40));
 }
 
 // Else nothing was tested here but what is tested elsewhere.
