@@ -26,7 +26,7 @@ using DirectoryStream = std::unique_ptr<DIR, CloseDirectory>;
 mode_t kindOf(int directory, const dirent& entry)
 {
     if (entry.d_type != DT_UNKNOWN)
-        return DTTOIF(entry.d_type);
+        return static_cast<mode_t>(DTTOIF(entry.d_type));
     struct stat status = {};
     const bool isKnown = ::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0;
     return isKnown ? status.st_mode & S_IFMT : 0;
