@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include "OptionTable.h"
+
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
 
@@ -9,34 +11,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-struct OptionRow
-{
-    QLatin1StringView names; // parted by blanks, the short one first
-    QLatin1StringView valueName;
-    QLatin1StringView description;
-};
-
-constexpr std::array optionTable {
-    OptionRow { "open"_L1, ""_L1,
-                "Open the report even without a desktop or with markup in it."_L1 },
-    OptionRow { "no-open"_L1, ""_L1, "Do not open the report."_L1 },
-    OptionRow { "list"_L1, ""_L1, "Write no report; print a line for each folder."_L1 },
-    OptionRow { "json"_L1, ""_L1,
-                "Write no report; print a JSON object for each folder, one a line."_L1 },
-    OptionRow { "summary"_L1, ""_L1,
-                "Write no report; print how many folders of each type there are."_L1 },
-    OptionRow { "type"_L1, "NAME"_L1,
-                "With --list, --json or --summary: only folders of this type (Unknown, Root, Year, "
-                "Month, Day, Event or ProjectFolder)."_L1 },
-    OptionRow { "explain"_L1, ""_L1,
-                "Take the arguments as folder names and say what each one is by itself. Touches no "
-                "file."_L1 },
-    OptionRow { "locale"_L1, "NAME"_L1,
-                "Read dates and names of days and months in this language, for example de_DE."_L1 },
-    OptionRow { "h help"_L1, ""_L1, "Show this help."_L1 },
-    OptionRow { "v version"_L1, ""_L1, "Show the version."_L1 },
-};
 
 struct ActionRow
 {
