@@ -100,6 +100,7 @@ offered() {
 check_bash() {
     # shellcheck disable=SC1091 # is checked by itself
     . "$completions/vlfolio-classify.bash"
+    # shellcheck disable=SC2317 # called by the completion
     locale() { printf '%s\n' C C.utf8 de_DE de_DE.utf8 de_DE@euro fr_FR.utf8; }
 
     same "how bash is told" "complete -o dirnames -F _vlfolio_classify vlfolio-classify" \
