@@ -1,0 +1,16 @@
+// One whole run: classifies the collection in DIRECTORY, writes the report there and has the
+// desktop open it.
+
+#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    const QFileInfo root(QCoreApplication::arguments().value(1));
+
+    VLFolioEventClassifier classifier(root);
+    classifier.start();
+}

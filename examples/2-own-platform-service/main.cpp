@@ -1,0 +1,36 @@
+// A service of the host's own: the report in DIRECTORY is not opened, the host is only told of it.
+
+#include <VLCore/VLPlatformIndependent.h>
+#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QFileInfo>
+#include <QtCore/QTextStream>
+
+class HostService : public VLPlatformIndependent
+{
+public:
+    bool openFile(const QString& path, const QStringList&, const QString&) override
+    {
+        QTextStream(stdout) << "report: " << QFileInfo(path).fileName() << '\n';
+        return true;
+    }
+
+    void directoryContentsChanged(const QDir& directory) override
+    {
+        QTextStream(stdout) << "changed: " << directory.dirName() << '\n';
+    }
+};
+
+int main(int argc, char* argv[])
+{
+    const QCoreApplication application(argc, argv);
+    HostService service;
+    VLPlatformIndependent::setInstance(&service);
+
+    VLFolioEventClassifier classifier(QFileInfo(QCoreApplication::arguments().value(1)));
+    classifier.start();
+
+    // The service goes at the end of this block; nobody may be left with it.
+    VLPlatformIndependent::setInstance(nullptr);
+}
