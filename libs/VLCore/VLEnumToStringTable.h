@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLGlobal.h"
 
 #include <QtCore/QHash>

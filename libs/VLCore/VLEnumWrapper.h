@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLEnumToStringTable.h"
 #include "VLGlobal.h"
 
@@ -45,10 +47,13 @@ public:
     /// Makes the given value; any combination of flags is legal. Implicit on purpose: an
     /// enumerator can stand wherever a wrapper is asked for.
     VLEnumWrapper(E value) noexcept; // NOLINT(google-explicit-constructor)
+    /// \{
+    /// Copies or moves the value.
     VLEnumWrapper(const VLEnumWrapper&) noexcept = default;
     VLEnumWrapper(VLEnumWrapper&&) noexcept = default;
     VLEnumWrapper& operator=(const VLEnumWrapper&) noexcept = default;
     VLEnumWrapper& operator=(VLEnumWrapper&&) noexcept = default;
+    /// \}
     /// Releases nothing.
     virtual ~VLEnumWrapper() = default;
 

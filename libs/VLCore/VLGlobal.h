@@ -1,10 +1,17 @@
 #pragma once
 
+/// \file
+
 #include <QtCore/QString>
 #include <QtCore/qglobal.h>
 
-// VLCORE_EXPORT and VLFOLIOEVENTCLASSIFIER_EXPORT mark the classes that each shared library
-// exports. Everything else stays hidden; a static build (VL_STATIC) needs no marks at all.
+/// \def VLCORE_EXPORT
+/// Marks what the library VLCore exports when it is shared. Everything else stays hidden; a static
+/// build (VL_STATIC) needs no marks at all.
+
+/// \def VLFOLIOEVENTCLASSIFIER_EXPORT
+/// Marks what the library VLFolioEventClassifier exports when it is shared.
+
 #if defined(VL_STATIC)
 #    define VLCORE_EXPORT
 #    define VLFOLIOEVENTCLASSIFIER_EXPORT
@@ -21,9 +28,9 @@
 #    endif
 #endif
 
-// Marks class templates whose function-local statics must be one object in the whole process. The
-// compiler emits such statics as weak symbols in every module that instantiates the template; only
-// visible ones are merged by the dynamic linker.
+/// Marks class templates whose function-local statics must be one object in the whole process. The
+/// compiler emits such statics as weak symbols in every module that instantiates the template; only
+/// visible ones are merged by the dynamic linker.
 #define VL_TEMPLATE_EXPORT Q_DECL_EXPORT
 
 /// A comma, the separator of joined texts. Every source file that includes this header has a

@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLGlobal.h"
 
 #include <QtCore/QMutex>
@@ -28,8 +30,12 @@ public:
     /// Searches \a subject and answers as QRegularExpression::match() does. May be called from any
     /// thread.
     ///
+    /// \param subject the text; an empty one is searched like any other.
     /// \param offset where the search starts, in UTF-16 code units; a negative one counts from the
     ///     end, one outside the subject matches nothing.
+    /// \param matchType whether a match may be a partial one.
+    /// \param matchOptions how to match, for instance at the offset only.
+    /// \return the match, which may be kept. With an invalid pattern it is not valid.
     [[nodiscard]] QRegularExpressionMatch
     match(const QString& subject, int offset, QRegularExpression::MatchType matchType,
           QFlags<QRegularExpression::MatchOption> matchOptions) const;

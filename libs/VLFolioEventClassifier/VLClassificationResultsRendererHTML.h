@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLEventFolderClassificationResult.h"
 
 #include <VLCore/VLGlobal.h>

@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLEventFolderType.h"
 #include "VLOccasionInfoList.h"
 
@@ -30,12 +32,15 @@ public:
     /// was asked for that before or does not cache.
     VLEventFolderClassificationResult(const QFileInfo& directory,
                                       const VLEventFolderType& classification);
+    /// \{
+    /// Copies or moves the three values.
     VLEventFolderClassificationResult(const VLEventFolderClassificationResult&) = default;
     VLEventFolderClassificationResult(VLEventFolderClassificationResult&&) noexcept = default;
     VLEventFolderClassificationResult&
     operator=(const VLEventFolderClassificationResult&) = default;
     VLEventFolderClassificationResult&
     operator=(VLEventFolderClassificationResult&&) noexcept = default;
+    /// \}
     /// Releases the three values.
     virtual ~VLEventFolderClassificationResult();
 

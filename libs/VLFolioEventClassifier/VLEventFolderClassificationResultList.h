@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLEventFolderClassificationResult.h"
 
 #include <VLCore/VLGlobal.h>
@@ -31,6 +33,8 @@ public:
     /// Makes a list of copies of \a results, with room for exactly these.
     VLEventFolderClassificationResultList(
         std::initializer_list<VLEventFolderClassificationResult> results);
+    /// \{
+    /// Copies or moves the list; a copy shares the elements until one of the two changes.
     VLEventFolderClassificationResultList(const VLEventFolderClassificationResultList&) noexcept =
         default;
     VLEventFolderClassificationResultList(VLEventFolderClassificationResultList&&) noexcept =
@@ -39,6 +43,7 @@ public:
     operator=(const VLEventFolderClassificationResultList&) = default;
     VLEventFolderClassificationResultList&
     operator=(VLEventFolderClassificationResultList&&) noexcept = default;
+    /// \}
     /// Releases the results.
     virtual ~VLEventFolderClassificationResultList();
 

@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include <VLCore/VLEnumWrapper.h>
 #include <VLCore/VLGlobal.h>
 
@@ -41,10 +43,13 @@ public:
     VLEventFolderType() noexcept = default;
     /// Makes the given type, or combination of types. Implicit on purpose.
     VLEventFolderType(VLEventFolderTypeEnum value) noexcept; // NOLINT(google-explicit-constructor)
+    /// \{
+    /// Copies or moves the type.
     VLEventFolderType(const VLEventFolderType&) noexcept = default;
     VLEventFolderType(VLEventFolderType&&) noexcept = default;
     VLEventFolderType& operator=(const VLEventFolderType&) noexcept = default;
     VLEventFolderType& operator=(VLEventFolderType&&) noexcept = default;
+    /// \}
     /// Releases nothing.
     ~VLEventFolderType() override;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLEventFolderClassificationResult.h"
 #include "VLEventFolderType.h"
 
@@ -90,9 +92,9 @@ public:
     /// True when \a name is a date or the name of a day in QLocale() or QLocale::system() (long,
     /// short or narrow format, as QLocale::toDate() and QLocale::dayName() know them), is a
     /// Qt::TextDate or Qt::RFC2822Date, or holds digits in the shape of a date: two or four, two,
-    /// and two or four, each two parted by one of `-`, `|`, `,`, `.` or ASCII white space. The
-    /// shape counts, not the number: "99.99.99" is one. A name with a lone surrogate holds no
-    /// shape.
+    /// and two or four, each two parted by a hyphen, a vertical bar, a comma, a full stop or ASCII
+    /// white space. The shape counts, not the number: "99.99.99" is one. A name with a lone
+    /// surrogate holds no shape.
     [[nodiscard]] bool matchesDate(const QString& name) const;
 
     /// True when \a name is the long or short name of a month in the QLocale() of the first call

@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include <VLCore/VLGlobal.h>
 
 #include <QtCore/QString>
@@ -23,10 +25,13 @@ public:
     /// \param source what the occasion was derived from.
     /// \param confidence how sure it is, on a scale that is the caller's.
     VLOccasionInfo(const QString& occasion, const QString& source, double confidence);
+    /// \{
+    /// Copies or moves the record.
     VLOccasionInfo(const VLOccasionInfo&) = default;
     VLOccasionInfo(VLOccasionInfo&&) noexcept = default;
     VLOccasionInfo& operator=(const VLOccasionInfo&) = default;
     VLOccasionInfo& operator=(VLOccasionInfo&&) noexcept = default;
+    /// \}
     /// Releases the two strings.
     virtual ~VLOccasionInfo();
 

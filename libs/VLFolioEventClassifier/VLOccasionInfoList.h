@@ -1,5 +1,7 @@
 #pragma once
 
+/// \file
+
 #include "VLOccasionInfo.h"
 
 #include <VLCore/VLGlobal.h>
@@ -25,10 +27,13 @@ class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfoList : public QList<VLOccasion
 public:
     /// Makes an empty list.
     VLOccasionInfoList() noexcept = default;
+    /// \{
+    /// Copies or moves the list; a copy shares the records until one of the two changes.
     VLOccasionInfoList(const VLOccasionInfoList&) noexcept = default;
     VLOccasionInfoList(VLOccasionInfoList&&) noexcept = default;
     VLOccasionInfoList& operator=(const VLOccasionInfoList&) = default;
     VLOccasionInfoList& operator=(VLOccasionInfoList&&) noexcept = default;
+    /// \}
     /// Releases the records.
     virtual ~VLOccasionInfoList();
 
