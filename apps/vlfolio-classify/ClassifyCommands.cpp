@@ -82,14 +82,16 @@ QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
     return array;
 }
 
-QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
+// Only what is incomplete says so: that is what a reader looks for.
+QString jsonLine(const VLEventFolderClassificationResult& result, int prefix,
+                 const QStringList& omissions = {})
 {
     const QString path = result.directory().absoluteFilePath();
     const VLEventFolderType type = result.classification();
     const QStringList files =
         VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
     // clang-format off
-    const QJsonObject object {
+    QJsonObject object {
         { u"path"_s, path },
         { u"relativePath"_s, path.mid(prefix) },
         { u"type"_s, nameOf(type) },
@@ -98,6 +100,8 @@ QString jsonLine(const VLEventFolderClassificationResult& result, int prefix)
         { u"occasions"_s, occasionsOf(result) },
     };
     // clang-format on
+    if (!omissions.isEmpty())
+        object.insert(u"incomplete"_s, QJsonArray::fromStringList(omissions));
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
@@ -149,8 +153,11 @@ int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString
         results = results.filtered(*commandLine.type);
     const int prefix = prefixLength(rootPath);
     const bool asJson = commandLine.action == CommandLine::Action::Json;
-    for (const VLEventFolderClassificationResult& result : std::as_const(results))
-        Terminal::writeLine(asJson ? jsonLine(result, prefix) : result.render(prefix));
+    for (const VLEventFolderClassificationResult& result : std::as_const(results)) {
+        const QString path = result.directory().absoluteFilePath();
+        Terminal::writeLine(asJson ? jsonLine(result, prefix, platform.omissionsIn(path))
+                                   : result.render(prefix));
+    }
     return exitCode();
 }
 

@@ -70,11 +70,18 @@ QString HostPlatform::reportPath() const
 
 void HostPlatform::listingIncomplete(const QDir& directory, ListingProblem problem) const
 {
+    const QString path = directory.path();
+    const bool unreadable = problem == ListingProblem::Unreadable;
     m_omissions.append(
-        problem == ListingProblem::Unreadable
-            ? u"cannot read %1: what is in it is left out"_s.arg(directory.path())
-            : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(
-                directory.path()));
+        unreadable
+            ? u"cannot read %1: what is in it is left out"_s.arg(path)
+            : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(path));
+    m_omissionsByPath[path].append(unreadable ? u"unreadable"_s : u"undecodableNames"_s);
+}
+
+QStringList HostPlatform::omissionsIn(const QString& path) const
+{
+    return m_omissionsByPath.value(path);
 }
 
 void HostPlatform::tellOmissions() const

@@ -5,6 +5,7 @@
 #include <VLCore/VLPlatformIndependent.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -36,6 +37,10 @@ public:
     /// Says which folders hold something that was left out, and why.
     void tellOmissions() const;
 
+    /// Why something in the directory at \a path was left out, a word for each reason:
+    /// "unreadable", "undecodableNames". Empty when nothing was.
+    [[nodiscard]] QStringList omissionsIn(const QString& path) const;
+
     /// Opens the report, or says why not.
     void openReport();
 
@@ -48,4 +53,5 @@ private:
     mutable std::atomic<int> m_folderCount = 0;
     mutable int m_markupCount = 0;
     mutable QStringList m_omissions;
+    mutable QHash<QString, QStringList> m_omissionsByPath;
 };

@@ -889,6 +889,18 @@ void tst_vlfolio_classify::omissionsAreTold_data()
         << u"--json --type Root"_s
         << "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics\",\"relativePath\":\"\","
            "\"type\":\"Root\",\"value\":1}\n"_ba;
+    QTest::newRow("json")
+        << u"--json"_s
+        << "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics\",\"relativePath\":\"\","
+           "\"type\":\"Root\",\"value\":1}\n"
+           "{\"files\":0,\"incomplete\":[\"unreadable\"],\"occasions\":[],"
+           "\"path\":\"{}/pics/closed\",\"relativePath\":\"closed\","
+           "\"type\":\"Unknown\",\"value\":0}\n"
+           "{\"files\":0,\"incomplete\":[\"undecodableNames\"],\"occasions\":[],"
+           "\"path\":\"{}/pics/odd\",\"relativePath\":\"odd\","
+           "\"type\":\"Unknown\",\"value\":0}\n"
+           "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics/odd/good\","
+           "\"relativePath\":\"odd/good\",\"type\":\"Unknown\",\"value\":0}\n"_ba;
     QTest::newRow("summary") << u"--summary --type Root"_s << "Root          1\n"_ba;
 }
 
