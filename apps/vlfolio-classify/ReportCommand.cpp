@@ -7,11 +7,16 @@
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <cerrno>
 #include <cstdlib>
 #include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -29,6 +34,19 @@ void classify(const QString& rootPath, const HostPlatform& platform)
 {
     const Progress progress([&platform] { return progressText(platform); });
     VLFolioEventClassifier(QFileInfo(rootPath)).start();
+}
+
+// A link or a pipe under the report's name must go: what is written would end up elsewhere, or wait
+// for a reader for ever. Returns what keeps it there, or an empty string.
+QString obstacle(const QString& reportPath)
+{
+    const QByteArray name = QFile::encodeName(reportPath);
+    struct stat status = {};
+    if (lstat(name.constData(), &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)
+        || unlink(name.constData()) == 0) {
+        return {};
+    }
+    return Terminal::errorText(errno) + u"; what has that name is no file and stays"_s;
 }
 
 // What is wrong with a report that could be opened, or an empty string. A full disk is not noticed
@@ -55,20 +73,26 @@ QString failure(const ReportMessages& messages, const QString& reportPath)
     return defect(reportPath);
 }
 
+int fail(const QString& reportPath, const QString& reason)
+{
+    Terminal::complain(u"cannot write the report %1: %2"_s.arg(reportPath, reason));
+    return EXIT_FAILURE;
+}
+
 } // namespace
 
 int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
 {
+    const QString expectedPath = QDir(rootPath).filePath(u"vela.classification.results.html"_s);
+    if (const QString reason = obstacle(expectedPath); !reason.isEmpty())
+        return fail(expectedPath, reason);
+
     const ReportMessages messages;
     HostPlatform platform(commandLine.opening);
     classify(rootPath, platform);
     platform.tellOmissions();
-
-    const QString reason = failure(messages, platform.reportPath());
-    if (!reason.isEmpty()) {
-        Terminal::complain(u"cannot write the report %1: %2"_s.arg(platform.reportPath(), reason));
-        return EXIT_FAILURE;
-    }
+    if (const QString reason = failure(messages, platform.reportPath()); !reason.isEmpty())
+        return fail(platform.reportPath(), reason);
     Terminal::writeLine(platform.reportPath());
     const bool printed = Terminal::flush();
     platform.openReport();

@@ -240,6 +240,8 @@ private Q_SLOTS:
     void omissionsAreTold();
     void reportCannotBeWritten_data();
     void reportCannotBeWritten();
+    void onlyFilesAreWrittenInto_data();
+    void onlyFilesAreWrittenInto();
     void logRulesHideNoFailure_data();
     void logRulesHideNoFailure();
     void reportIsIncomplete();
@@ -976,6 +978,54 @@ void tst_vlfolio_classify::reportCannotBeWritten()
     QCOMPARE(tree.exists(report), directoryInTheWay || oldReport);
     if (oldReport)
         QCOMPARE(tree.content(report), QByteArray("old"));
+}
+
+void tst_vlfolio_classify::onlyFilesAreWrittenInto_data()
+{
+    QTest::addColumn<QString>("linkTarget");
+    QTest::addColumn<bool>("stays");
+
+    // Without a target: a pipe that nobody reads, where opening would never end.
+    QTest::newRow("pipe_goes") << QString() << false;
+    QTest::newRow("pipe_stays") << QString() << true;
+    QTest::newRow("link_to_a_file_goes") << u"{}/elsewhere"_s << false;
+    QTest::newRow("link_to_a_file_stays") << u"{}/elsewhere"_s << true;
+    QTest::newRow("link_to_nothing_goes") << u"{}/nothing"_s << false;
+    QTest::newRow("link_to_nothing_stays") << u"{}/nothing"_s << true;
+}
+
+void tst_vlfolio_classify::onlyFilesAreWrittenInto()
+{
+    QFETCH(QString, linkTarget);
+    QFETCH(bool, stays);
+    PictureTree tree;
+    tree.addPictures();
+    tree.addFile(u"elsewhere"_s, "kept");
+    const QString report = u"pics/"_s + reportName;
+    if (!linkTarget.isEmpty())
+        tree.addLink(tree.filled(linkTarget), report);
+    else
+        QCOMPARE(mkfifo(QFile::encodeName(tree.path(report)).constData(), 0600), 0);
+    if (stays)
+        tree.setMode(u"pics"_s, 0500);
+
+    const auto outcome =
+        program({ tree.path(u"pics"_s) }).before(&ChildSteps::obeyPermissions).run();
+
+    if (outcome.exitCode == HostProgram::setUpFailed)
+        QSKIP("The superuser's rights cannot be dropped here.");
+    const QString reason = u"Permission denied; what has that name is no file and stays"_s;
+    const QByteArray line = (tree.path(report) + u'\n').toUtf8();
+    QCOMPARE(outcome.error,
+             stays ? failure(u"cannot write the report %1: %2"_s.arg(tree.path(report), reason))
+                   : QByteArray());
+    QCOMPARE(outcome.output, stays ? QByteArray() : line);
+    QCOMPARE(outcome.exitCode, stays ? 1 : 0);
+    QCOMPARE(tree.content(u"elsewhere"_s), QByteArray("kept"));
+    QVERIFY(!tree.exists(u"nothing"_s));
+    if (!stays) {
+        QCOMPARE(tree.content(report), tree.filled(QString::fromUtf8(picturesReport)).toUtf8());
+    }
 }
 
 void tst_vlfolio_classify::logRulesHideNoFailure_data()
