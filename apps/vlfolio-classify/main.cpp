@@ -86,12 +86,24 @@ int run(const CommandLine& commandLine)
     }
 }
 
+QtMessageHandler previousHandler = nullptr;
+
+// Newer Qt complains about a locale that is not of UTF-8 or not installed. It reads and writes
+// UTF-8 all the same, and has its own data of the language.
+void dropLocaleWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (!message.startsWith("Detected locale "_L1))
+        previousHandler(type, context, message);
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     Terminal::occupyClosedStreams();
+    previousHandler = qInstallMessageHandler(dropLocaleWarning);
     const QCoreApplication application(argc, argv);
+    qInstallMessageHandler(previousHandler);
     // The log of a service is noise on a terminal. QT_LOGGING_RULES brings it back.
     QLoggingCategory::setFilterRules(u"vl.folio.service.info=false"_s);
 

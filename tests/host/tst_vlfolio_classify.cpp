@@ -232,6 +232,8 @@ private Q_SLOTS:
     void explainTouchesNoFile();
     void localeName_data();
     void localeName();
+    void systemLocaleIsNotUtf8_data();
+    void systemLocaleIsNotUtf8();
     void wrongUsage_data();
     void wrongUsage();
     void directoryProblem_data();
@@ -744,6 +746,30 @@ void tst_vlfolio_classify::localeName()
              known ? u"Month <= %1 (tests met: month)\n"_s.arg(monthName).toUtf8() : QByteArray());
     QCOMPARE(outcome.error, known ? QByteArray() : failure(unknown));
     QCOMPARE(outcome.exitCode, known ? 0 : 2);
+}
+
+void tst_vlfolio_classify::systemLocaleIsNotUtf8_data()
+{
+    QTest::addColumn<QString>("locale");
+    QTest::addColumn<QByteArray>("output");
+
+    const QByteArray month = "Month <= März (tests met: month)\n";
+    const QByteArray unknown = "Unknown <= März (tests met: none)\n";
+    QTest::newRow("other_character_set") << u"de_DE.ISO-8859-1"_s << month;
+    QTest::newRow("not_installed") << u"xx_YY.UTF-8"_s << unknown;
+    QTest::newRow("none") << u"C"_s << unknown;
+}
+
+void tst_vlfolio_classify::systemLocaleIsNotUtf8()
+{
+    QFETCH(QString, locale);
+    QFETCH(QByteArray, output);
+
+    const auto outcome = program({ u"--explain"_s, u"März"_s }).with(u"LC_ALL"_s, locale).run();
+
+    QCOMPARE(outcome.output, output);
+    QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.exitCode, 0);
 }
 
 void tst_vlfolio_classify::wrongUsage_data()
