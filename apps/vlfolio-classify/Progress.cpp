@@ -10,7 +10,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto firstDelay = 1s;
+constexpr auto firstDelay = 300ms;
 constexpr auto interval = 250ms;
 constexpr auto clearLine = "\r\033[K";
 
@@ -19,7 +19,7 @@ constexpr auto clearLine = "\r\033[K";
 Progress::Progress(std::function<std::string()> text)
     : m_text(std::move(text))
 {
-    if (Terminal::isErrorOutputTerminal())
+    if (Terminal::canWriteOverErrorLine())
         m_thread = std::thread(&Progress::run, this);
 }
 

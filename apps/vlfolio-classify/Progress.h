@@ -6,8 +6,8 @@
 #include <string>
 #include <thread>
 
-/// Shows on standard error that a long run goes on, from a thread of its own: nothing in the first
-/// second, then a line that is written over. Silent unless standard error is a terminal.
+/// Shows on standard error that a long run goes on, from a thread of its own: nothing at first,
+/// then a line that is written over. Silent unless standard error is a terminal that can do that.
 class Progress
 {
 public:

@@ -70,9 +70,10 @@ QString Terminal::errorText(int number)
     return QString::fromLocal8Bit(std::strerror(number));
 }
 
-bool Terminal::isErrorOutputTerminal()
+bool Terminal::canWriteOverErrorLine()
 {
-    return isTerminal(stderr);
+    const QByteArray kind = qgetenv("TERM");
+    return !kind.isEmpty() && kind != "dumb" && isTerminal(stderr);
 }
 
 QString Terminal::escaped(const QString& text)

@@ -12,8 +12,9 @@ void occupyClosedStreams();
 /// The system's own words for the error \a number, an errno value.
 [[nodiscard]] QString errorText(int number);
 
-/// True when standard error is a terminal, where a line can be written over.
-[[nodiscard]] bool isErrorOutputTerminal();
+/// True when standard error is a terminal on which a line can be written over: not one that says in
+/// TERM that it is "dumb", or nothing.
+[[nodiscard]] bool canWriteOverErrorLine();
 
 /// Returns \a text with every control character and every character that changes the direction of
 /// writing replaced by "\uXXXX", so that a file name can neither steer a terminal nor break a line.

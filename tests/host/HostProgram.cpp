@@ -113,11 +113,12 @@ QProcessEnvironment plainEnvironment(const QString& searchPath)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const auto* const name : { "DISPLAY", "WAYLAND_DISPLAY", "LANG", "LANGUAGE", "NO_COLOR",
-                                    "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN" }) {
+                                    "CLICOLOR_FORCE", "QT_LOGGING_RULES", "QT_MESSAGE_PATTERN" }) {
         environment.remove(QString::fromLatin1(name));
     }
     environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     environment.insert(u"PATH"_s, searchPath);
+    environment.insert(u"TERM"_s, u"xterm"_s);
     return environment;
 }
 

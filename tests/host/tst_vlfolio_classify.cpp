@@ -200,10 +200,12 @@ Environment preloaded(const QString& library)
     return { { u"LD_PRELOAD"_s, library }, { u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s } };
 }
 
-// Each listing begins 100 ms late.
-Environment slowListings()
+// So many listings begin 100 ms late.
+Environment slowListings(int count)
 {
-    return preloaded(QStringLiteral(VLFOLIO_SLOW_LISTINGS));
+    Environment environment = preloaded(QStringLiteral(VLFOLIO_SLOW_LISTINGS));
+    environment[u"VLFOLIO_LATE_LISTINGS"_s] = QString::number(count);
+    return environment;
 }
 
 } // namespace
@@ -260,6 +262,10 @@ private Q_SLOTS:
     void shortRunIsSilentOnTerminal();
     void longRunShowsProgress();
     void longRunIsSilentOffTerminal();
+    void longRunIsSilentWhereLinesStay_data();
+    void longRunIsSilentWhereLinesStay();
+    void nothingIsColoured_data();
+    void nothingIsColoured();
     void sameOutputTwice_data();
     void sameOutputTwice();
     void serviceLog();
@@ -1275,11 +1281,11 @@ void tst_vlfolio_classify::shortRunIsSilentOnTerminal()
     const PictureTree tree;
     tree.addFolder(u"pics"_s);
 
-    // Two late listings: long enough to be seen, and still well below a second.
+    // The look at the directory and the walk: long enough to be seen, and still a short run.
     const auto outcome = program({ tree.path(u"pics"_s) })
                              .output(Stream::Terminal)
                              .error(Stream::Terminal)
-                             .with(slowListings())
+                             .with(slowListings(2))
                              .run();
 
     QCOMPARE(outcome.terminal, tree.filled(u"{}/pics/"_s + reportName + u'\n').toUtf8());
@@ -1292,7 +1298,7 @@ void tst_vlfolio_classify::longRunShowsProgress()
     tree.addPictures();
 
     const auto outcome =
-        program({ tree.path(u"pics"_s) }).error(Stream::Terminal).with(slowListings()).run();
+        program({ tree.path(u"pics"_s) }).error(Stream::Terminal).with(slowListings(100)).run();
 
     static const QRegularExpression progress(
         uR"(\A(\r\x1b\[KWalking the folders \.\.\.)+)"
@@ -1312,12 +1318,65 @@ void tst_vlfolio_classify::longRunIsSilentOffTerminal()
     // Standard output alone being a terminal is not enough.
     const auto outcome = program({ u"--summary"_s, u"--type=Year"_s, tree.path(u"pics"_s) })
                              .output(Stream::Terminal)
-                             .with(slowListings())
+                             .with(slowListings(5))
                              .run();
 
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.terminal, QByteArray("Year          1\n"));
     QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify::longRunIsSilentWhereLinesStay_data()
+{
+    QTest::addColumn<QString>("terminal");
+
+    QTest::newRow("dumb") << u"dumb"_s;
+    QTest::newRow("unknown") << QString();
+}
+
+void tst_vlfolio_classify::longRunIsSilentWhereLinesStay()
+{
+    QFETCH(QString, terminal);
+    const PictureTree tree;
+    tree.addPictures();
+
+    const auto outcome = program({ u"--summary"_s, u"--type=Year"_s, tree.path(u"pics"_s) })
+                             .error(Stream::Terminal)
+                             .with(slowListings(5))
+                             .with(u"TERM"_s, terminal)
+                             .run();
+
+    QCOMPARE(outcome.terminal, QByteArray());
+    QCOMPARE(outcome.output, QByteArray("Year          1\n"));
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify::nothingIsColoured_data()
+{
+    QTest::addColumn<Environment>("environment");
+
+    QTest::newRow("plain") << Environment {};
+    QTest::newRow("no_color") << Environment { { u"NO_COLOR"_s, u"1"_s } };
+    QTest::newRow("forced_color") << Environment { { u"CLICOLOR_FORCE"_s, u"1"_s } };
+}
+
+void tst_vlfolio_classify::nothingIsColoured()
+{
+    QFETCH(Environment, environment);
+    const PictureTree tree;
+    tree.addPictures();
+
+    for (const auto& option :
+         { u"--no-open"_s, u"--list"_s, u"--json"_s, u"--summary"_s, u"--help"_s, u"--nope"_s }) {
+        const auto outcome = program({ option, tree.path(u"pics"_s) })
+                                 .output(Stream::Terminal)
+                                 .error(Stream::Terminal)
+                                 .with(environment)
+                                 .run();
+        QVERIFY(!outcome.terminal.isEmpty());
+        QVERIFY2(!outcome.terminal.contains('\033'),
+                 outcome.terminal.toPercentEncoding().constData());
+    }
 }
 
 void tst_vlfolio_classify::sameOutputTwice_data()

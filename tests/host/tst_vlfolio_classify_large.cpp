@@ -1,0 +1,177 @@
+#include "HostProgram.h"
+#include "RawDirectory.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QList>
+#include <QtCore/QProcess>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QTest>
+
+#include <algorithm>
+#include <csignal>
+#include <cstring>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+using Stream = HostProgram::Stream;
+
+namespace {
+
+constexpr auto reportName = "vela.classification.results.html";
+
+// 200 years with 99 events each, years first.
+QList<QByteArray> folderNames()
+{
+    QList<QByteArray> names;
+    for (int year = 2000; year < 2200; ++year)
+        names.append(QByteArray::number(year));
+    for (int i = 0; i < 19'800; ++i)
+        names.append(names.at(i % 200) + "/event " + QByteArray::number(i / 200));
+    return names;
+}
+
+} // namespace
+
+// A collection of 20,000 folders, in use.
+class tst_vlfolio_classify_large : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void progressIsShownAndTakenAway_data();
+    void progressIsShownAndTakenAway();
+    void endsQuietlyWithItsReader_data();
+    void endsQuietlyWithItsReader();
+    void orderOfCreationIsOfNoMatter_data();
+    void orderOfCreationIsOfNoMatter();
+
+private:
+    RawDirectory m_tree;
+};
+
+void tst_vlfolio_classify_large::initTestCase()
+{
+    for (const QByteArray& name : folderNames())
+        m_tree.folder(name);
+    QVERIFY2(m_tree.isValid(), std::strerror(errno));
+}
+
+void tst_vlfolio_classify_large::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".?"_s));
+}
+
+void tst_vlfolio_classify_large::progressIsShownAndTakenAway_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("step");
+    QTest::addColumn<qsizetype>("lines");
+
+    QTest::newRow("report") << u"--no-open"_s << u"Writing the report: folder "_s << qsizetype(1);
+    QTest::newRow("json") << u"--json"_s << u"Reading folder "_s << qsizetype(20'001);
+}
+
+void tst_vlfolio_classify_large::progressIsShownAndTakenAway()
+{
+    QFETCH(QString, option);
+    QFETCH(QString, step);
+    QFETCH(qsizetype, lines);
+
+    // However fast the disk is, this takes half a second at least.
+    const auto outcome = HostProgram({ option, m_tree.path() })
+                             .error(Stream::Terminal)
+                             .with(u"LD_PRELOAD"_s, QStringLiteral(VLFOLIO_SLOW_LISTINGS))
+                             .with(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s)
+                             .with(u"VLFOLIO_LATE_LISTINGS"_s, u"5"_s)
+                             .run();
+
+    const QRegularExpression shown(
+        uR"(\A(\r\x1b\[KWalking the folders \.\.\.)+(\r\x1b\[K%1\d+)*\r\x1b\[K\z)"_s.arg(step));
+    QVERIFY2(shown.match(QString::fromUtf8(outcome.terminal)).hasMatch(),
+             outcome.terminal.toPercentEncoding().constData());
+    QCOMPARE(outcome.output.count('\n'), lines);
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify_large::endsQuietlyWithItsReader_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QByteArray>("read");
+
+    QTest::newRow("list") << u"--list"_s << "   Root <= \n   Year <= 2000\n"_ba;
+    const QByteArray json = R"({"files":0,"occasions":[],"path":"{}","relativePath":"",)"
+                            R"("type":"Root","value":1})"
+                            "\n"
+                            R"({"files":0,"occasions":[],"path":"{}/2000","relativePath":"2000",)"
+                            R"("type":"Year","value":2})"
+                            "\n";
+    QTest::newRow("json") << u"--json"_s << json;
+}
+
+void tst_vlfolio_classify_large::endsQuietlyWithItsReader()
+{
+    QFETCH(QString, option);
+    QFETCH(QByteArray, read);
+    QFile::remove(m_tree.path() + u'/' + QString::fromLatin1(reportName));
+
+    QProcess program;
+    QProcess head;
+    program.setStandardOutputProcess(&head);
+    program.setChildProcessModifier([] { std::signal(SIGPIPE, SIG_DFL); });
+    program.start(QStringLiteral(VLFOLIO_PROGRAM), { option, m_tree.path() });
+    head.start(u"head"_s, { u"-n"_s, u"2"_s });
+    QVERIFY(head.waitForFinished(60'000));
+    QVERIFY(program.waitForFinished(60'000));
+
+    QCOMPARE(head.readAllStandardOutput(), read.replace("{}", m_tree.path().toUtf8()));
+    QCOMPARE(program.readAllStandardError(), QByteArray());
+    QCOMPARE(program.exitStatus(), QProcess::CrashExit);
+    QCOMPARE(program.exitCode(), SIGPIPE);
+}
+
+void tst_vlfolio_classify_large::orderOfCreationIsOfNoMatter_data()
+{
+    QTest::addColumn<QString>("option");
+
+    for (const auto* const option : { "--no-open", "--list", "--json", "--summary" })
+        QTest::addRow("%s", option) << QString::fromLatin1(option);
+}
+
+void tst_vlfolio_classify_large::orderOfCreationIsOfNoMatter()
+{
+    QFETCH(QString, option);
+    QList<QByteArray> names { "2019", "2019/07", "2019/07/B", "2019/07/a", "2019/07/a-b", "2020",
+                              "x",    "x/07",    "x/7",       "y",         "y/z" };
+    const RawDirectory parent;
+    const QString place = parent.path() + u"/pics"_s;
+    QByteArray expectedOutput;
+    QByteArray expectedReport;
+    for (int order = 0; order < 6; ++order) {
+        RawDirectory tree;
+        std::rotate(names.begin(), names.begin() + 3, names.end());
+        for (const QByteArray& name : std::as_const(names))
+            QVERIFY(QDir().mkpath(tree.path() + u'/' + QString::fromLatin1(name)));
+        QVERIFY(QFile::rename(tree.path(), place));
+        const auto outcome = HostProgram({ option, place }).run();
+        QFile report(place + u'/' + QString::fromLatin1(reportName));
+        const QByteArray written =
+            report.open(QIODevice::ReadOnly) ? report.readAll() : QByteArray();
+        QVERIFY(QFile::rename(place, tree.path()));
+
+        QCOMPARE(outcome.exitCode, 0);
+        QVERIFY(!outcome.output.isEmpty());
+        if (order == 0) {
+            expectedOutput = outcome.output;
+            expectedReport = written;
+        }
+        QCOMPARE(outcome.output, expectedOutput);
+        QCOMPARE(written, expectedReport);
+    }
+}
+
+QTEST_GUILESS_MAIN(tst_vlfolio_classify_large)
+#include "tst_vlfolio_classify_large.moc"
