@@ -13,6 +13,8 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include <dirent.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -44,17 +46,28 @@ QString rootPathOf(const QString& argument)
     return path;
 }
 
+QString missing(const QString& path)
+{
+    // That is what Qt puts where an argument is not UTF-8. The way back leads to another name.
+    return path.contains(QChar::ReplacementCharacter)
+        ? u"it does not exist, or its name is not UTF-8"_s
+        : u"it does not exist"_s;
+}
+
+// Asked of the system, which tells a directory that is not there from one that cannot be looked at.
 QString directoryProblem(const QString& path)
 {
-    // A folder above that may not be entered is no proof that the directory is not there: only the
-    // system tells the two apart.
-    if (access(QFile::encodeName(path).constData(), F_OK) != 0)
-        return errno == ENOENT ? u"it does not exist"_s : Terminal::errorText(errno);
-    const QFileInfo directory(path);
-    if (!directory.isDir())
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status = {};
+    if (stat(name.constData(), &status) != 0)
+        return errno == ENOENT ? missing(path) : Terminal::errorText(errno);
+    if (!S_ISDIR(status.st_mode))
         return u"it is not a directory"_s;
-    return directory.isReadable() && directory.isExecutable() ? QString()
-                                                              : Terminal::errorText(EACCES);
+    DIR* const stream = opendir(name.constData());
+    if (stream == nullptr)
+        return Terminal::errorText(errno);
+    closedir(stream);
+    return access(name.constData(), X_OK) == 0 ? QString() : Terminal::errorText(errno);
 }
 
 int runOnDirectory(const CommandLine& commandLine)

@@ -4,10 +4,12 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <type_traits>
 #include <utility>
@@ -208,6 +210,16 @@ Environment slowListings(int count)
     return environment;
 }
 
+#if defined(VLFOLIO_FAILING_CALLS)
+// The first of the program's calls of that name on the directory fails.
+Environment failingCall(const QString& call, int error, const QString& directory)
+{
+    Environment environment = preloaded(QStringLiteral(VLFOLIO_FAILING_CALLS));
+    environment[u"VLFOLIO_FAILING_CALL"_s] = u"%1 1 1 %2 %3"_s.arg(call).arg(error).arg(directory);
+    return environment;
+}
+#endif
+
 } // namespace
 
 class tst_vlfolio_classify : public QObject
@@ -240,6 +252,9 @@ private Q_SLOTS:
     void wrongUsage();
     void directoryProblem_data();
     void directoryProblem();
+    void directoryNameIsNotUtf8();
+    void directoryFails_data();
+    void directoryFails();
     void omissionsAreTold_data();
     void omissionsAreTold();
     void reportCannotBeWritten_data();
@@ -908,6 +923,62 @@ void tst_vlfolio_classify::directoryProblem()
         QCOMPARE(outcome.output, QByteArray());
         QCOMPARE(outcome.exitCode, 1);
     }
+}
+
+void tst_vlfolio_classify::directoryNameIsNotUtf8()
+{
+    const PictureTree tree;
+    const QByteArray name = QFile::encodeName(tree.path(u"bad"_s)) + "\xff";
+    if (::mkdir(name.constData(), 0755) != 0)
+        QSKIP("The file system takes names in UTF-8 only");
+
+    // Qt would not pass the name on as it is; a shell does.
+    QProcess shell;
+    shell.setWorkingDirectory(tree.path());
+    shell.start(u"/bin/sh"_s,
+                { u"-c"_s, u"exec \"$0\" --list \"$(printf 'bad\\377')\""_s,
+                  QStringLiteral(VLFOLIO_PROGRAM) });
+    QVERIFY(shell.waitForFinished());
+
+    QCOMPARE(shell.readAllStandardError(),
+             failure(tree.filled(u"cannot classify {}/bad\ufffd: it does not exist, or its name is "
+                                 "not UTF-8"_s)));
+    QCOMPARE(shell.exitCode(), 1);
+    QCOMPARE(::rmdir(name.constData()), 0);
+}
+
+void tst_vlfolio_classify::directoryFails_data()
+{
+    QTest::addColumn<QString>("call");
+    QTest::addColumn<int>("error");
+    QTest::addColumn<QString>("text");
+
+    const QString broken = u"Input/output error"_s;
+    QTest::newRow("cannot_be_looked_at") << u"stat"_s << EIO << broken;
+    QTest::newRow("cannot_be_opened") << u"opendir"_s << EIO << broken;
+    QTest::newRow("no_descriptor_is_free") << u"opendir"_s << EMFILE << u"Too many open files"_s;
+    QTest::newRow("cannot_be_tried") << u"access"_s << EIO << broken;
+}
+
+void tst_vlfolio_classify::directoryFails()
+{
+#if defined(VLFOLIO_FAILING_CALLS)
+    QFETCH(QString, call);
+    QFETCH(int, error);
+    QFETCH(QString, text);
+    const PictureTree tree;
+    tree.addPictures();
+    const QString pics = tree.path(u"pics"_s);
+
+    for (const auto& option : { u"--no-open"_s, u"--json"_s }) {
+        const auto outcome = program({ option, pics }).with(failingCall(call, error, pics)).run();
+        QCOMPARE(outcome.error, "failed\n" + failure(u"cannot classify %1: %2"_s.arg(pics, text)));
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.exitCode, 1);
+    }
+#else
+    QSKIP("Calls of the system cannot be made to fail here.");
+#endif
 }
 
 void tst_vlfolio_classify::omissionsAreTold_data()
