@@ -3,13 +3,18 @@ include(GNUInstallDirs)
 include(VLPkgConfig)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/VLFolioEventClassifier")
+# For headers CMake 3.25 exports an absolute directory as one below the prefix.
+set(headers_dir "${CMAKE_INSTALL_INCLUDEDIR}")
+if(IS_ABSOLUTE "${headers_dir}")
+    file(RELATIVE_PATH headers_dir "${CMAKE_INSTALL_PREFIX}" "${headers_dir}")
+endif()
 
 install(TARGETS VLCore VLFolioEventClassifier
     EXPORT VLFolioEventClassifierTargets
     RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
-    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT Development
+    FILE_SET HEADERS DESTINATION "${headers_dir}" COMPONENT Development
 )
 install(EXPORT VLFolioEventClassifierTargets
     NAMESPACE VLFolioEventClassifier::

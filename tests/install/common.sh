@@ -1,0 +1,50 @@
+# Sourced by the tests of this folder. Their environment names SOURCE_TREE, BUILD_TREE, LIBDIR, the
+# compiler in CXX and CXXFLAGS, and WORK, a directory that they share. What was installed stands in
+# TREE, which is not where it was installed to.
+# shellcheck shell=bash
+set -euo pipefail
+export LC_ALL=C
+here=$SOURCE_TREE/tests/install
+export TREE=$WORK/tree
+
+fail() {
+    echo "$*" >&2
+    exit 1
+}
+
+# quietly COMMAND...: shows what a command says only if it fails.
+quietly() {
+    local output
+    output=$("$@" 2>&1) || fail "$output"$'\n'"failed: $*"
+}
+
+# expect WHAT EXPECTED ACTUAL: compares two texts.
+expect() {
+    [ "$2" = "$3" ] || fail "$1 is"$'\n'"$3"$'\n'"instead of"$'\n'"$2"
+}
+
+# build_consumer NAME OPTION...: builds the consumer in WORK/NAME and runs it.
+build_consumer() {
+    rm -rf "${WORK:?}/$1"
+    quietly cmake -S "$here/consumer" -B "$WORK/$1" -G Ninja \
+        -DCMAKE_CXX_COMPILER="$CXX" -DCMAKE_CXX_FLAGS="$CXXFLAGS" "${@:2}"
+    quietly cmake --build "$WORK/$1"
+    expect "what $1 prints" "Day 0" "$("$WORK/$1/consumer")"
+}
+
+# compile_consumer NAME FLAG...: the same without CMake.
+compile_consumer() {
+    # shellcheck disable=SC2086 # the flags of the build are several words
+    quietly "$CXX" -std=c++17 -fPIC $CXXFLAGS -o "$WORK/$1" "$here/consumer/main.cpp" "${@:2}"
+    expect "what $1 prints" "Day 0" "$("$WORK/$1")"
+}
+
+# libraries_of FILE: prints where FILE gets the two libraries from.
+libraries_of() {
+    ldd "$1" | sed -n 's/.* => \(.*libVL.*\) (.*/\1/p' | sort
+}
+
+# build_type_left_out: a filter for names of files, one of which bears that of the build.
+build_type_left_out() {
+    sed 's/Targets-[a-z]*\.cmake/Targets-BUILDTYPE.cmake/'
+}

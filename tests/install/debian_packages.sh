@@ -1,0 +1,50 @@
+#!/usr/bin/env bash
+# The Debian packages that cpack makes: what each holds and depends on, and that the program, and
+# whoever builds with the libraries, need nothing else of this project.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+for tool in dpkg-deb dpkg-shlibdeps; do
+    command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
+done
+
+packages=$WORK/packages
+root=$packages/root
+rm -rf "$packages"
+mkdir -p "$root"
+quietly cpack --config "$BUILD_TREE/CPackConfig.cmake" -G DEB -B "$packages"
+
+for package in "$packages"/*.deb; do
+    name=$(dpkg-deb --field "$package" Package)
+    dpkg-deb --fsys-tarfile "$package" | tar -t | sed -n "s|^\./usr/\(.*[^/]\)$|$name \1|p"
+    dpkg-deb --extract "$package" "$root"
+done | build_type_left_out | sort >"$packages/contents"
+diff "$here/contents.txt" "$packages/contents" >&2 || fail "the packages hold other files (>)"
+
+# depends_on PACKAGE DEPENDENCY...: fails unless the package depends on all of them.
+depends_on() {
+    local depends dependency
+    depends=", $(dpkg-deb --field "$packages/$1_"*.deb Depends),"
+    for dependency in "${@:2}"; do
+        [[ $depends == *", $dependency"* ]] || fail "$1 does not depend on $dependency: $depends"
+    done
+}
+
+depends_on libvlfolioeventclassifier1 "libc6 (" "libstdc++6 (" "libqt6core6"
+depends_on libvlfolioeventclassifier-dev "libvlfolioeventclassifier1 (= 1.0.0)," \
+    "qt6-base-dev (>= 6.4),"
+depends_on vlfolio-classify "libvlfolioeventclassifier1 (= 1.0.0)," "libqt6core6"
+
+soname() {
+    readelf --dynamic "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p'
+}
+
+for library in VLCore VLFolioEventClassifier; do
+    expect "the name of lib$library" "lib$library.so.1" "$(soname "$root/usr/lib/lib$library.so")"
+    for link in .so .so.1; do
+        expect "what lib$library$link leads to" "$root/usr/lib/lib$library.so.1.0.0" \
+            "$(realpath "$root/usr/lib/lib$library$link")"
+    done
+done
+
+expect "what the program prints" "Year <= Summer 2019 (tests met: year)" \
+    "$("$root/usr/bin/vlfolio-classify" --explain "Summer 2019")"
+build_consumer from_packages -DCMAKE_PREFIX_PATH="$root/usr"
