@@ -18,7 +18,7 @@ function(vl_add_test name)
     if(TARGET VLQtLocksForTsan)
         target_link_libraries(${target} PRIVATE VLQtLocksForTsan)
     endif()
-    if(NOT arg_LIBRARIES)
+    if(VL_PRECOMPILE_QT AND NOT arg_LIBRARIES)
         vl_precompile_qt(${target})
     endif()
     if(NOT arg_LOCALES)
@@ -29,8 +29,8 @@ function(vl_add_test name)
     endforeach()
 endfunction()
 
-# Most of a test's time in the compiler goes into Qt's headers. Those are compiled once for each
-# directory, as Qt Test tells each directory's path to the compiler.
+# Most of a test's time in the compiler goes into Qt's headers. A directory that sets VL_PRECOMPILE_QT
+# has them compiled once for all its tests without libraries or definitions of their own.
 function(vl_precompile_qt target)
     get_property(first DIRECTORY PROPERTY VL_FIRST_PRECOMPILED)
     if(first)
