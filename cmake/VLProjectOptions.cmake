@@ -17,6 +17,9 @@ target_compile_definitions(VLProjectOptions INTERFACE
     QT_NO_KEYWORDS
     QT_NO_FOREACH
     QT_STRICT_ITERATORS
+    # Nothing that the newest Qt it is tested with deprecates. The second is for Qt up to 6.4.
+    QT_DISABLE_DEPRECATED_UP_TO=0x060800
+    QT_DISABLE_DEPRECATED_BEFORE=0x060800
     # Messages carry file, line and function in Release builds, too.
     QT_MESSAGELOGCONTEXT
 )
