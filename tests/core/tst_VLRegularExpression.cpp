@@ -3,10 +3,13 @@
 
 #include <VLCore/VLRegularExpression.h>
 
+#include <QtCore/QMutex>
+#include <QtCore/QSemaphore>
 #include <QtTest/QTest>
 
 #include <atomic>
 #include <limits>
+#include <thread>
 #include <type_traits>
 
 using namespace Qt::StringLiterals;
@@ -39,6 +42,7 @@ private Q_SLOTS:
     void invalid_pattern_matches_nothing();
     void object_can_be_used_again();
     void threads_share_one_object();
+    void match_waits_for_the_lock_ahead_of_the_expression();
 };
 
 void tst_VLRegularExpression::init()
@@ -225,6 +229,25 @@ void tst_VLRegularExpression::threads_share_one_object()
         }
     });
     QCOMPARE(right.load(), threads * calls);
+}
+
+// Released from the last to the first: the expression goes ahead of the lock.
+void tst_VLRegularExpression::match_waits_for_the_lock_ahead_of_the_expression()
+{
+    VLRegularExpression expression(u"a"_s, Expression::NoPatternOption);
+    auto* const lock =
+        reinterpret_cast<QMutex*>(reinterpret_cast<char*>(&expression) + sizeof(void*));
+    QVERIFY(lock->tryLock());
+    QSemaphore matched;
+    std::thread other([&expression, &matched] {
+        static_cast<void>(
+            expression.match(u"a"_s, 0, Expression::NormalMatch, Expression::NoMatchOption));
+        matched.release();
+    });
+    const bool matchedWhileLocked = matched.tryAcquire(1, 50);
+    lock->unlock();
+    other.join();
+    QVERIFY(!matchedWhileLocked);
 }
 
 QTEST_GUILESS_MAIN(tst_VLRegularExpression)

@@ -8,6 +8,7 @@
 
 #include <atomic>
 #include <stdexcept>
+#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -73,6 +74,20 @@ struct Stumbling
     }
 
     static inline int made = 0;
+    static inline int initialized = 0;
+};
+
+/// Cannot be made at first, so that its statics are there without an instance.
+struct Late
+{
+    Late()
+    {
+        if (std::exchange(failsOnce, false))
+            throw std::runtime_error("not yet");
+    }
+    void initialize() { ++initialized; }
+
+    static inline bool failsOnce = true;
     static inline int initialized = 0;
 };
 
@@ -171,6 +186,8 @@ private Q_SLOTS:
     void published_under_the_write_lock_before_initialize();
     void threads_get_one_initialized_instance();
     void close_races_make_one_instance();
+    void instance_made_meanwhile_is_taken();
+    void lock_is_not_recursive();
     void failed_constructor_is_tried_again();
     void failed_initialize_is_not_tried_again();
 };
@@ -214,6 +231,47 @@ void tst_VLSingleton::threads_get_one_initialized_instance()
 void tst_VLSingleton::close_races_make_one_instance()
 {
     raceForAll(std::make_integer_sequence<int, 60>());
+}
+
+// Of two threads that have both found no instance, the second one looks again under the lock.
+void tst_VLSingleton::instance_made_meanwhile_is_taken()
+{
+    QVERIFY(instanceThrows<Late>());
+    auto** const pointer = static_cast<Late**>(
+        dlsym(RTLD_DEFAULT, "_ZZN11VLSingletonI4LateE8instanceEvE10myInstance"));
+    auto* const lock = static_cast<QReadWriteLock*>(
+        dlsym(RTLD_DEFAULT, "_ZZN11VLSingletonI4LateE8instanceEvE4lock"));
+    QVERIFY(pointer != nullptr && lock != nullptr);
+
+    Late madeMeanwhile;
+    Late* found = nullptr;
+    lock->lockForRead();
+    std::thread second([&found] { found = VLSingleton<Late>::instance(); });
+    // No more readers are let in once a writer waits.
+    while (lock->tryLockForRead()) {
+        lock->unlock();
+        QThread::yieldCurrentThread();
+    }
+    *pointer = &madeMeanwhile;
+    lock->unlock();
+    second.join();
+    *pointer = nullptr;
+    QCOMPARE(found, &madeMeanwhile);
+    QCOMPARE(Late::initialized, 0);
+}
+
+void tst_VLSingleton::lock_is_not_recursive()
+{
+    Q_UNUSED(VLSingleton<Counted>::instance())
+    auto* const lock = static_cast<QReadWriteLock*>(
+        dlsym(RTLD_DEFAULT, "_ZZN11VLSingletonI7CountedE8instanceEvE4lock"));
+    QVERIFY(lock != nullptr);
+    lock->lockForWrite();
+    const bool lockedAgain = lock->tryLockForWrite();
+    if (lockedAgain)
+        lock->unlock();
+    lock->unlock();
+    QVERIFY(!lockedAgain);
 }
 
 void tst_VLSingleton::failed_constructor_is_tried_again()
