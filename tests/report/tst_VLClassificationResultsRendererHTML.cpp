@@ -10,11 +10,14 @@
 #include <QtCore/QBuffer>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QLoggingCategory>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QTextStream>
 #include <QtTest/QTest>
 
+#include <algorithm>
 #include <type_traits>
 
 using namespace Qt::StringLiterals;
@@ -53,6 +56,15 @@ private:
     qsizetype m_fileCount;
 };
 
+// True when this process has the file open, where the system tells that.
+bool isOpen(const QString& path)
+{
+    const QFileInfoList descriptors =
+        QDir(u"/proc/self/fd"_s).entryInfoList(QDir::AllEntries | QDir::System);
+    return std::any_of(descriptors.cbegin(), descriptors.cend(),
+                       [&path](const QFileInfo& link) { return link.symLinkTarget() == path; });
+}
+
 // Looks at the report whenever the renderer asks it for something.
 class WatchingPlatform : public RecordingPlatform
 {
@@ -71,11 +83,13 @@ public:
     void directoryContentsChanged(const QDir& directory) override
     {
         reportAtChange = fileContents(m_reportPath);
+        reportIsOpenAtChange = isOpen(m_reportPath);
         RecordingPlatform::directoryContentsChanged(directory);
     }
 
     mutable QList<bool> reportFoundByListings;
     QByteArray reportAtChange;
+    bool reportIsOpenAtChange = false;
 
 private:
     QString m_reportPath;
@@ -187,6 +201,7 @@ private Q_SLOTS:
     void directoryOfTheReportsName();
     void reportThatCannotBeOpened_data();
     void reportThatCannotBeOpened();
+    void warningThatIsSwitchedOffIsNotSent();
     void errorCodeIsThatOfTheFile();
     void directoryWithoutWritePermission();
     void oldReportInDirectoryWithoutWritePermission_data();
@@ -195,6 +210,7 @@ private Q_SLOTS:
 
     void reportExistsWhileRowsAreListed();
     void reportIsCompleteWhenItsDirectoryIsCalledChanged();
+    void reportIsClosedWhenItsDirectoryIsCalledChanged();
     void changedDirectoryIsTheReports();
     void failedReportListsNothing();
 };
@@ -828,6 +844,17 @@ void tst_VLClassificationResultsRendererHTML::reportThatCannotBeOpened()
              (QStringList { u"directory"_s, u"file"_s }));
 }
 
+void tst_VLClassificationResultsRendererHTML::warningThatIsSwitchedOffIsNotSent()
+{
+    QLoggingCategory::setFilterRules(u"default.warning=false"_s);
+    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
+    const RecordingPlatform platform;
+    const MessageRecorder recorder;
+    const QTemporaryDir dir;
+    Renderer({}, 0, {}).renderToFile(QFileInfo(dir.filePath(u"missing/report.html"_s)));
+    QCOMPARE(recorder.messages().size(), 0);
+}
+
 void tst_VLClassificationResultsRendererHTML::errorCodeIsThatOfTheFile()
 {
     const RecordingPlatform platform;
@@ -946,6 +973,21 @@ void tst_VLClassificationResultsRendererHTML::reportIsCompleteWhenItsDirectoryIs
     Renderer({ resultOf(u"/missing"_s, 2) }, 0, {})
         .renderToFile(QFileInfo(dir.filePath(reportName)));
     QCOMPARE(platform.reportAtChange, report({ row("Year", "/missing", "0", "no data") }));
+}
+
+void tst_VLClassificationResultsRendererHTML::reportIsClosedWhenItsDirectoryIsCalledChanged()
+{
+    const QTemporaryDir dir;
+    const QString path = QFileInfo(dir.path()).canonicalFilePath() + u'/' + reportName;
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    if (!isOpen(path))
+        QSKIP("This system does not tell which files are open");
+    file.close();
+    const MessageRecorder recorder;
+    WatchingPlatform platform(path);
+    Renderer({}, 0, {}).renderToFile(QFileInfo(path));
+    QVERIFY(!platform.reportIsOpenAtChange);
 }
 
 void tst_VLClassificationResultsRendererHTML::changedDirectoryIsTheReports()
