@@ -120,6 +120,16 @@ bool failsToRead(const DIR* stream)
     return lastFailing > 0 && fails("readdir", std::string_view(entryOf(stream).path.data()));
 }
 
+// With its kind no more told, if that is what is armed.
+template <typename Entry>
+Entry* read(const DIR* stream, Entry* entry)
+{
+    if (entry != nullptr && lastFailing > 0
+        && fails("kind", std::string_view(entryOf(stream).path.data())))
+        entry->d_type = DT_UNKNOWN;
+    return entry;
+}
+
 mode_t modeOf(int flags, va_list* arguments)
 {
     return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(*arguments, mode_t) : 0;
@@ -238,13 +248,13 @@ DIR* opendir(const char* path)
 dirent* readdir(DIR* stream)
 {
     static const auto function = original<decltype(&readdir)>("readdir");
-    return failsToRead(stream) ? nullptr : function(stream);
+    return failsToRead(stream) ? nullptr : read(stream, function(stream));
 }
 
 dirent64* readdir64(DIR* stream)
 {
     static const auto function = original<decltype(&readdir64)>("readdir64");
-    return failsToRead(stream) ? nullptr : function(stream);
+    return failsToRead(stream) ? nullptr : read(stream, function(stream));
 }
 
 ssize_t readlink(const char* path, char* target, std::size_t size) noexcept

@@ -7,6 +7,7 @@
 ///
 /// The calls are "access", "close", "open", "opendir", "readdir", "readlink", "realpath", "stat"
 /// (in all its forms), "unlink" and "write". Those of the C library within itself do not count.
+/// "kind" lets "readdir" go on without telling the kind of an entry, as on some file systems.
 extern "C" {
 
 /// Makes the \a first to the \a last \a call on \a directory or on anything below it fail with

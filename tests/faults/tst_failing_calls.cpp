@@ -1,6 +1,7 @@
 #include "FailingCalls.h"
 #include "FaultTree.h"
 #include "MessageRecorder.h"
+#include "RawDirectory.h"
 #include "RecordingPlatform.h"
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
@@ -16,6 +17,7 @@
 #include <cerrno>
 #include <initializer_list>
 #include <limits>
+#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -156,6 +158,8 @@ private Q_SLOTS:
     }
     void run();
     void fullDisk();
+    void kindsThatAreNotTold();
+    void listingWithoutMemory();
     void host_data()
     {
         addFaults({ "access", "close", "open", "opendir", "readdir", "realpath", "stat", "unlink",
@@ -292,6 +296,40 @@ void tst_failing_calls::fullDisk()
 
     classifier.start();
     QCOMPARE(ReportText::fileContents(m_tree.reportPath()), m_tree.report());
+}
+
+void tst_failing_calls::kindsThatAreNotTold()
+{
+    RawDirectory directory;
+    directory.folder("folder").file("file").fifo("pipe").file("undecodable \xff");
+    directory.link("to folder", "folder").link("to file", "file").link("to pipe", "pipe");
+    directory.link("dangling", "nowhere");
+    if (!directory.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+    vlArmFailingCall("kind", 1, std::numeric_limits<long>::max(), 0,
+                     directory.path().toUtf8().constData());
+    QStringList files =
+        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(directory.path()));
+    auto folders = VLPlatformIndependent::directoriesBesideUndecodableNames(QDir(directory.path()));
+    QVERIFY(vlDisarmFailingCall() != nullptr);
+    files.sort();
+    QCOMPARE(files, (QStringList { u"file"_s, u"to file"_s, u"undecodable \uFFFD"_s }));
+    QVERIFY(folders);
+    folders->sort();
+    QCOMPARE(*folders, (QStringList { u"folder"_s, u"to folder"_s }));
+}
+
+void tst_failing_calls::listingWithoutMemory()
+{
+    const QDir directory(m_tree.root());
+    vlArmFailingCall("opendir", 1, 2, ENOMEM, m_tree.root().toUtf8().constData());
+    QVERIFY_THROWS_EXCEPTION(
+        std::bad_alloc,
+        static_cast<void>(VLPlatformIndependent::instance()->getDirectFilesInDirectory(directory)));
+    QVERIFY_THROWS_EXCEPTION(
+        std::bad_alloc,
+        static_cast<void>(VLPlatformIndependent::directoriesBesideUndecodableNames(directory)));
+    QVERIFY(vlDisarmFailingCall() != nullptr);
 }
 
 void tst_failing_calls::host()
