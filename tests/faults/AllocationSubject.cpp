@@ -14,14 +14,13 @@
 // and each NOTE is something that is not as it was. With "trace" there is one attempt only, and
 // the callers that made what it leaked are NOTEs, too.
 
-#include "FailingAllocation.h"
-
 #include "../report/ReportText.h"
+#include "FailingAllocation.h"
+#include "SharedPlatform.h"
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
 #include <VLCore/VLLogger.h>
-#include <VLCore/VLPlatformIndependent.h>
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QFile>
@@ -177,22 +176,6 @@ void onMessage(QtMsgType type, const QMessageLogContext& context, const QString&
         line.add("odd-message ");
 }
 
-class Platform : public VLPlatformIndependent
-{
-public:
-    bool openFile(const QString& path, const QStringList& arguments,
-                  const QString& application) override
-    {
-        Q_UNUSED(path)
-        Q_UNUSED(arguments)
-        Q_UNUSED(application)
-        ++opened;
-        return true;
-    }
-
-    int opened = 0;
-};
-
 int openDescriptors()
 {
     constexpr int mostDescriptors = 256;
@@ -245,7 +228,7 @@ private:
     QCoreApplication m_application;
     QString m_directory;
     VLFolioEventClassifier m_classifier;
-    Platform m_platform;
+    SharedPlatform m_platform;
     VLEventFolderClassificationResult m_parent;
     QList<VLEventFolderClassificationResult> m_before;
     QList<VLEventFolderClassificationResult> m_results;

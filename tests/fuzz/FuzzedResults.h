@@ -1,5 +1,7 @@
 #pragma once
 
+#include "TypeNames.h"
+
 #include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
 
 #include <QtCore/QByteArray>
@@ -53,24 +55,7 @@ struct FuzzedResults
     /// The name of a type; combinations have none.
     [[nodiscard]] static QString nameOf(qint32 type)
     {
-        switch (type) {
-        case 0:
-            return QStringLiteral("Unknown");
-        case 1:
-            return QStringLiteral("Root");
-        case 2:
-            return QStringLiteral("Year");
-        case 4:
-            return QStringLiteral("Month");
-        case 8:
-            return QStringLiteral("Day");
-        case 16:
-            return QStringLiteral("Event");
-        case 32:
-            return QStringLiteral("ProjectFolder");
-        default:
-            return {};
-        }
+        return printedTypeName(static_cast<VLEventFolderTypeEnum>(type));
     }
 
     int prefixLength = 0;

@@ -1,6 +1,7 @@
 // Random paths, types and occasions into the texts that are made of results: render() and the
 // report, each compared with a model that shares nothing with the library but Qt.
 
+#include "../report/ReportText.h"
 #include "FuzzedResults.h"
 #include "Fuzzing.h"
 #include "RawDirectory.h"
@@ -16,30 +17,6 @@
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr auto documentStart = "<html>\n"
-                               "\t<style>\n"
-                               "\t.Unknown {color: #eeaaaa;}\n"
-                               "\t.Root    {color: #000000;}\n"
-                               "\t.Year    {color: #dd0909;}\n"
-                               "\t.Month   {color: #09dd09;}\n"
-                               "\t.Day     {color: #0909dd;}\n"
-                               "\t.Event   {color: #0707dd;}\n"
-                               "\ttable    {text-align:left; width:100%;}\n"
-                               "\tth       {border-bottom: 2px solid #101010;}\n"
-                               "\ttd       {border-bottom: 1px solid #101010;}\n"
-                               "\t</style>\n"
-                               "\t<body>\n"
-                               "\t\t<table>\n"
-                               "\t\t\t<tr>\n"
-                               "\t\t\t\t<th>Classification</th>\n"
-                               "\t\t\t\t<th>Directory</th>\n"
-                               "\t\t\t\t<th>Count</th>\n"
-                               "\t\t\t\t<th>Occasion</th>\n"
-                               "\t\t\t</tr>\n";
-constexpr auto documentEnd = "\t\t</table>\n"
-                             "\t</body>\n"
-                             "</html>\n";
 
 // As many files as the path has units, so that none needs to exist.
 class CountingPlatform : public VLPlatformIndependent
@@ -181,10 +158,10 @@ void testReport(const FuzzedResults& input, const QString& inputText)
     for (const Item& item : std::as_const(items))
         results.append(FuzzedResults::resultOf(item));
     std::sort(items.begin(), items.end(), comesFirst);
-    QByteArray expected(documentStart);
+    QByteArray expected = ReportText::lines(1, 20);
     for (const Item& item : std::as_const(items))
         expected += encoded(row(item, input.prefixLength));
-    expected += documentEnd;
+    expected += ReportText::lines(21, 23);
 
     static const RawDirectory directory;
     QFile file(directory.path() + u"/report"_s);

@@ -5,9 +5,9 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
-/// Name of \a type for messages and expected texts, written out here: the library's own table of
-/// names is itself under test. A combination of flags reads as its number.
-[[nodiscard]] inline QString typeName(VLEventFolderTypeEnum type)
+/// Name that \a type has in texts and reports, written out here: the library's own table of names
+/// is itself under test. A combination of flags has none.
+[[nodiscard]] inline QString printedTypeName(VLEventFolderTypeEnum type)
 {
     switch (type) {
     case VLEventFolderTypeEnum::Unknown:
@@ -25,7 +25,14 @@
     case VLEventFolderTypeEnum::ProjectFolder:
         return QStringLiteral("ProjectFolder");
     }
-    return QString::number(static_cast<qint32>(type));
+    return {};
+}
+
+/// Name of \a type for messages and expected texts. A combination of flags reads as its number.
+[[nodiscard]] inline QString typeName(VLEventFolderTypeEnum type)
+{
+    const QString name = printedTypeName(type);
+    return name.isEmpty() ? QString::number(static_cast<qint32>(type)) : name;
 }
 
 /// Lets QCOMPARE() print both types when they differ.

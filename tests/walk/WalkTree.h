@@ -1,6 +1,7 @@
 #pragma once
 
 #include "TypeNames.h"
+#include "WorkingDirectory.h"
 
 #include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
 
@@ -53,25 +54,6 @@ public:
 private:
     QTemporaryDir m_directory;
     QString m_root;
-    bool m_isValid = false;
-};
-
-/// Changes the working directory for as long as it lives.
-class WorkingDirectory
-{
-public:
-    explicit WorkingDirectory(const QString& path)
-        : m_previous(QDir::currentPath())
-    {
-        m_isValid = QDir::setCurrent(path);
-    }
-    ~WorkingDirectory() { QDir::setCurrent(m_previous); }
-    Q_DISABLE_COPY_MOVE(WorkingDirectory)
-
-    [[nodiscard]] bool isValid() const { return m_isValid; }
-
-private:
-    QString m_previous;
     bool m_isValid = false;
 };
 

@@ -102,6 +102,8 @@ private Q_SLOTS:
     void contextTable_data();
     void contextTable();
     void contextResultCarriesTheDirectoryAlone();
+    void contextResultKeepsARelativePath_data();
+    void contextResultKeepsARelativePath();
     void contextWithDefaultParent();
     void workedExample();
     void contextLooksAtCorrectedParent();
@@ -240,6 +242,28 @@ void tst_VLFolioEventClassifier_walk::contextResultCarriesTheDirectoryAlone()
     QCOMPARE(parent.occasionInformation().size(), 1);
 }
 
+void tst_VLFolioEventClassifier_walk::contextResultKeepsARelativePath_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<VLEventFolderTypeEnum>("type");
+
+    QTest::newRow("own_type_stays") << u"2019/07"_s << Type::Month;
+    QTest::newRow("unknown_becomes_event") << u"2019/Beach"_s << Type::Event;
+    QTest::newRow("day_becomes_event") << u"2019/2019-07-14"_s << Type::Event;
+}
+
+void tst_VLFolioEventClassifier_walk::contextResultKeepsARelativePath()
+{
+    QFETCH(const QString, path);
+    QFETCH(const VLEventFolderTypeEnum, type);
+
+    Classifier classifier(QFileInfo(u"/"_s));
+    const Result result =
+        classifier.contextDependentEventFolderType(QFileInfo(path), parentOf(Type::Year));
+    QCOMPARE(result.directory().filePath(), path);
+    QCOMPARE(result.classification().value(), type);
+}
+
 void tst_VLFolioEventClassifier_walk::contextWithDefaultParent()
 {
     Classifier classifier(QFileInfo(u"/"_s));
@@ -341,7 +365,7 @@ void tst_VLFolioEventClassifier_walk::ownType()
     tree.link(u"back"_s, tree.root()).link(u"2019-07-14"_s, u"."_s);
     QVERIFY(tree.isValid());
     const WorkingDirectory above(tree.path(u".."_s));
-    QVERIFY(above.isValid());
+    QVERIFY(above.isActive());
 
     const Classifier classifier { QFileInfo(tree.root()) };
     const Result result = classifier.eventFolderType(QFileInfo(path));
@@ -632,7 +656,7 @@ void tst_VLFolioEventClassifier_walk::defaultConstructedRoot()
     tree.folders({ u"2019/07"_s, u"Beach"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
 
     const QFileInfo root;
     Classifier classifier(root);
@@ -647,7 +671,7 @@ void tst_VLFolioEventClassifier_walk::relativeRoot()
     tree.folders({ u"2019/07"_s, u"Beach"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory above(tree.path(u".."_s));
-    QVERIFY(above.isValid());
+    QVERIFY(above.isActive());
 
     const QStringList expected { u" Root"_s, u"/2019 Year"_s, u"/2019/07 Month"_s,
                                  u"/Beach Unknown"_s };

@@ -39,7 +39,7 @@ void tst_walk_photokit::prefixIsEventWhateverTheName()
         { u"photokit/2019/07/2019-07-14"_s, u"photokit/x_vlp-Dateien"_s, u"photokitten/2019"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
     const PathsAsGiven engine(u"photokit"_s);
     VLFolioEventClassifier classifier { QFileInfo(tree.root()) };
     const auto found = [&classifier](const QString& path) {
@@ -64,7 +64,7 @@ void tst_walk_photokit::rootIsRootBeforeItIsAnEvent()
     tree.folders({ u"photokit/2019/07"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
     const PathsAsGiven engine(u"photokit"_s);
     const QFileInfo root(u"photokit/2019"_s);
     VLFolioEventClassifier classifier(root);
@@ -80,7 +80,7 @@ void tst_walk_photokit::equalityIsThatOfTheEngine()
     tree.folders({ u"photokit"_s, u"photokit/Beach"_s, u"Photokit"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
     const PathsAsGiven engine(u"photokit"_s);
     const VLFolioEventClassifier classifier { QFileInfo(u"photokit"_s) };
     const auto type = [&classifier](const QString& path) {
@@ -99,7 +99,7 @@ void tst_walk_photokit::prefixIsCaseSensitive()
     tree.folders({ u"Photokit/2019/07"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
     const PathsAsGiven engine(u"photokit"_s);
     VLFolioEventClassifier classifier { QFileInfo(tree.root()) };
 
@@ -115,7 +115,7 @@ void tst_walk_photokit::prefixIsThatOfTheAbsolutePath()
     tree.folders({ u"photokit/2019"_s });
     QVERIFY(tree.isValid());
     const WorkingDirectory inside(tree.root());
-    QVERIFY(inside.isValid());
+    QVERIFY(inside.isActive());
     VLFolioEventClassifier classifier { QFileInfo(u"elsewhere"_s) };
 
     const QStringList expected { u"/photokit Unknown"_s, u"/photokit/2019 Year"_s };
