@@ -10,6 +10,10 @@
 #include <array>
 #include <vector>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -139,6 +143,7 @@ class tst_failing_allocations : public QObject
 
 private Q_SLOTS:
     void initTestCase();
+    void cleanupTestCase() { unlink(m_undecodable.constData()); }
     void attempts_data();
     void attempts();
 
@@ -147,6 +152,7 @@ private:
 
     QTemporaryDir m_directory;
     QString m_root;
+    QByteArray m_undecodable;
 };
 
 void tst_failing_allocations::initTestCase()
@@ -162,6 +168,10 @@ void tst_failing_allocations::initTestCase()
     for (const QString& folder : folders)
         QVERIFY(QDir().mkpath(m_root + u'/' + folder));
     QVERIFY(QFile::link(u"Urlaub"_s, m_root + u"/Link"_s));
+    // Hidden, and so not counted, but it ends the listings of some versions of Qt.
+    m_undecodable = QFile::encodeName(m_root) + "/2019/.\xff";
+    const int descriptor = open(m_undecodable.constData(), O_CREAT | O_WRONLY, S_IRUSR | S_IWUSR);
+    QVERIFY(descriptor >= 0 && close(descriptor) == 0);
     for (const auto name : { "/b.jpg"_L1, "/2019/a.jpg"_L1 }) {
         QFile picture(m_root + name);
         QVERIFY(picture.open(QIODevice::WriteOnly));
@@ -178,6 +188,7 @@ void tst_failing_allocations::attempts_data()
     QTest::addColumn<int>("atLeastSinceQt68");
 
     const QString walk = u"walk"_s;
+    const QString listed = u"listed"_s;
     const QString run = u"run"_s;
     const QString warm = u"warm"_s;
     const QString cold = u"cold"_s;
@@ -187,6 +198,8 @@ void tst_failing_allocations::attempts_data()
     QTest::newRow("walk_all_later_ones_fail") << walk << warm << onwards << 900 << 700;
     QTest::newRow("first_walk_one_failure") << walk << cold << once << 1000 << 800;
     QTest::newRow("first_walk_all_later_ones_fail") << walk << cold << onwards << 1000 << 800;
+    QTest::newRow("own_listing_one_failure") << listed << warm << once << 900 << 700;
+    QTest::newRow("own_listing_all_later_ones_fail") << listed << warm << onwards << 900 << 700;
     QTest::newRow("run_one_failure") << run << warm << once << 1100 << 950;
     QTest::newRow("run_all_later_ones_fail") << run << warm << onwards << 1100 << 950;
     QTest::newRow("first_run_one_failure") << run << cold << once << 1300 << 1150;
