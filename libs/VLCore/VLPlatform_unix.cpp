@@ -99,7 +99,7 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     const QByteArray directoryPath = QFile::encodeName(path);
     const DirectoryStream stream(::opendir(directoryPath.constData()));
     if (!stream && errno == ENOMEM)
-        throw std::bad_alloc(); // GCOV_EXCL_LINE: tested in processes that count nothing
+        throw std::bad_alloc();
     if (!stream)
         return listing;
     const int directory = ::dirfd(stream.get());
