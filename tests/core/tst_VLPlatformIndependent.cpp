@@ -678,11 +678,12 @@ void tst_VLPlatformIndependent::what_cannot_be_started_gives_one_warning()
     makeLink(u"gone"_s, path(u"danglingLink"_s));
 
     const MessageRecorder recorder;
-    QVERIFY(!VLPlatformIndependent::instance()->openFile(
-        u"/pictures/r.html"_s, {}, insideDirectory ? path(application) : application));
+    const QString program = insideDirectory ? path(application) : application;
+    QVERIFY(!VLPlatformIndependent::instance()->openFile(u"/pictures/r.html"_s, {}, program));
     QCOMPARE(recorder.messages().size(), 1);
     QCOMPARE(recorder.messages().constFirst().type, QtWarningMsg);
-    QVERIFY(recorder.messages().constFirst().text.contains(u"/pictures/r.html"_s));
+    QCOMPARE(recorder.messages().constFirst().text,
+             u"Could not open file \"/pictures/r.html\" with \"%1\""_s.arg(program));
 }
 
 void tst_VLPlatformIndependent::desktop_without_opener_gives_one_warning()

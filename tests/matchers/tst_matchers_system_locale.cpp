@@ -23,7 +23,7 @@ Argument argumentOf(QVariant (QSystemLocale::*query)(QSystemLocale::QueryType, A
 using QueryArgument = decltype(argumentOf(&QSystemLocale::query));
 
 // The settings of a user who has changed the format of dates, or the names of days, by hand. What
-// is null stays as it is in English.
+// is null stays as it is in English, but for a full stop in a month's name.
 class UserSettings : public QSystemLocale
 {
 public:
@@ -35,11 +35,12 @@ public:
 
     QVariant query(QueryType type, QueryArgument argument) const override
     {
-        Q_UNUSED(argument)
         switch (type) {
         case DateFormatLong:
         case DateFormatShort:
             return m_dateFormat.isNull() ? QVariant() : m_dateFormat;
+        case MonthNameShort:
+            return argument.toInt() == 7 ? u"Jul."_s : QVariant();
         case DayNameLong:
         case DayNameShort:
         case DayNameNarrow:
@@ -99,7 +100,7 @@ void tst_matchers_system_locale::dateFormat_data()
     row("no_such_day_alone", u"d"_s, u"32"_s, Type::Unknown);
     row("two_digits_of_a_day", u"dd"_s, u"31"_s, Type::Day);
     row("month_alone_in_letters", u"MMMM"_s, u"July"_s, Type::Day);
-    row("short_month_alone", u"MMM"_s, u"Jul"_s, Type::Day);
+    row("short_month_alone", u"MMM"_s, u"Aug"_s, Type::Day);
     row("month_alone_in_digits", u"M"_s, u"7"_s, Type::Day);
     row("two_digits_of_a_month", u"MM"_s, u"07"_s, Type::Day);
     row("year_alone", u"yyyy"_s, u"1999"_s, Type::Day);
@@ -123,6 +124,9 @@ void tst_matchers_system_locale::dateFormat_data()
     row("hyphen", u"d-M"_s, u"4-7"_s, Type::Day);
     row("hyphen_missing", u"d-M"_s, u"4 7"_s, Type::Unknown);
     row("other_sign", u"d_M"_s, u"4_7"_s, Type::Day);
+    row("unclosed_quote", u"MMMM d 'x"_s, u"July 4 x"_s, Type::Day);
+    row("full_stop_of_a_month_name", u"d MMM"_s, u"4 Jul."_s, Type::Day);
+    row("nothing_is_a_date_of_no_format", u""_s, u""_s, Type::Day);
     row("format_of_the_host_counts_as_before", u"d_M"_s, u"7/14/19"_s, Type::Day);
 }
 

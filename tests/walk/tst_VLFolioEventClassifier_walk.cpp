@@ -4,8 +4,10 @@
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
 #include <QtCore/QFile>
+#include <QtCore/QLibraryInfo>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QScopeGuard>
+#include <QtCore/QVersionNumber>
 #include <QtTest/QTest>
 
 #include <array>
@@ -143,6 +145,7 @@ private Q_SLOTS:
     void folderName();
     void composedAndDecomposedNames();
     void namesThatAreNotUtf8();
+    void listingIsQtsUnlessItEndsEarly();
 
     void resultsCarryNoOccasions();
     void rootIsCopied();
@@ -844,6 +847,25 @@ void tst_VLFolioEventClassifier_walk::namesThatAreNotUtf8()
     const QStringList expected { u" Root"_s, u"/2018 Year"_s, u"/2019 Year"_s,
                                  u"/2019/07 Month"_s };
     QCOMPARE(found, expected);
+}
+
+// A link to a pipe is a folder to Qt alone: it shows whose listing the walk goes by.
+void tst_VLFolioEventClassifier_walk::listingIsQtsUnlessItEndsEarly()
+{
+    WalkTree tree;
+    tree.folders({ u"2019"_s }).link(u"pipe"_s, u".pipe"_s);
+    QVERIFY(tree.isValid());
+    QCOMPARE(mkfifo(QFile::encodeName(tree.path(u".pipe"_s)).constData(), S_IRWXU), 0);
+    const QByteArray undecodable = QFile::encodeName(tree.root()) + "/2018\xff";
+    const auto remove = qScopeGuard([&undecodable] { rmdir(undecodable.constData()); });
+    if (mkdir(undecodable.constData(), S_IRWXU) != 0)
+        QSKIP("This file system takes no such names");
+
+    const bool endsEarly = QLibraryInfo::version() >= QVersionNumber(6, 5);
+    QStringList expected { u" Root"_s, u"/2019 Year"_s };
+    if (!endsEarly)
+        expected.append(u"/pipe Unknown"_s);
+    QCOMPARE(lines(walk(tree.root()), tree.root()), expected);
 }
 
 void tst_VLFolioEventClassifier_walk::resultsCarryNoOccasions()
