@@ -15,6 +15,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -119,6 +120,32 @@ QByteArray contentsOf(const QString& path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
 }
 
+/// Makes a file the standard input, output and error of this process for as long as it lives.
+class StandardStreams
+{
+public:
+    explicit StandardStreams(const QString& path)
+    {
+        const int file = open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT, S_IRWXU);
+        for (int stream = 0; stream < int(m_previous.size()); ++stream) {
+            m_previous.at(size_t(stream)) = dup(stream);
+            dup2(file, stream);
+        }
+        close(file);
+    }
+    ~StandardStreams()
+    {
+        for (int stream = 0; stream < int(m_previous.size()); ++stream) {
+            dup2(m_previous.at(size_t(stream)), stream);
+            close(m_previous.at(size_t(stream)));
+        }
+    }
+    Q_DISABLE_COPY_MOVE(StandardStreams)
+
+private:
+    std::array<int, 3> m_previous {};
+};
+
 /// Gives up the rights of the superuser for as long as it lives.
 class WithoutPrivileges
 {
@@ -197,6 +224,7 @@ private Q_SLOTS:
     void application_gets_the_file();
     void relative_path_is_made_absolute();
     void application_is_not_waited_for();
+    void application_has_no_stream_of_this_process();
     void application_is_found_in_the_path();
     void empty_application_is_the_desktops_own();
     void what_cannot_be_started_gives_one_warning_data();
@@ -624,6 +652,22 @@ void tst_VLPlatformIndependent::application_is_not_waited_for()
     QVERIFY(!QFile::exists(argumentsFile(program)));
     writeFile(program + u".go"_s);
     QVERIFY(hasRun(program));
+}
+
+void tst_VLPlatformIndependent::application_has_no_stream_of_this_process()
+{
+#if defined(Q_OS_MACOS)
+    QSKIP("macOS starts applications through its own program");
+#endif
+    const QString program = path(u"viewer"_s);
+    makeProgram(program,
+                "for n in 0 1 2; do [ /dev/fd/$n -ef /dev/null ] && set -- \"$@\" $n; done");
+    {
+        const StandardStreams streams(path(u"streams"_s));
+        QVERIFY(VLPlatformIndependent::instance()->openFile(u"/p/r.html"_s, {}, program));
+    }
+    QVERIFY(hasRun(program));
+    QCOMPARE(contentsOf(argumentsFile(program)), QByteArray("/p/r.html\n0\n1\n2\n"));
 }
 
 void tst_VLPlatformIndependent::application_is_found_in_the_path()

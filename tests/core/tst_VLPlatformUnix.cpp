@@ -125,6 +125,9 @@ void tst_VLPlatformUnix::undecodable_names_data()
     QTest::addColumn<QStringList>("directories");
 
     QTest::newRow("latin_1_letter") << QByteArray("m\xFCnchen") << true << QStringList();
+    QTest::newRow("lowest_byte_beyond_ascii") << QByteArray("a\x80") << true << QStringList();
+    QTest::newRow("highest_byte_of_ascii")
+        << QByteArray("a\x7F") << false << QStringList { u"a\u007F"_s };
     QTest::newRow("cut_sequence") << QByteArray("a\xE5\x86") << true << QStringList();
     QTest::newRow("hidden_one_counts") << QByteArray(".m\xFC") << true << QStringList();
     QTest::newRow("utf_8") << QByteArray("m\xC3\xBC") << false << QStringList { u"m\u00FC"_s };

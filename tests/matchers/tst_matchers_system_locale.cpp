@@ -125,6 +125,7 @@ void tst_matchers_system_locale::dateFormat_data()
     row("hyphen_missing", u"d-M"_s, u"4 7"_s, Type::Unknown);
     row("other_sign", u"d_M"_s, u"4_7"_s, Type::Day);
     row("unclosed_quote", u"MMMM d 'x"_s, u"July 4 x"_s, Type::Day);
+    row("letters_that_are_no_fields", u"MMMM c e L N x z"_s, u"July c e L N x z"_s, Type::Day);
     row("full_stop_of_a_month_name", u"d MMM"_s, u"4 Jul."_s, Type::Day);
     row("nothing_is_a_date_of_no_format", u""_s, u""_s, Type::Day);
     row("format_of_the_host_counts_as_before", u"d_M"_s, u"7/14/19"_s, Type::Day);
