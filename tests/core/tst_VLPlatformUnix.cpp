@@ -2,10 +2,12 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -146,6 +148,8 @@ void tst_VLPlatformUnix::undecodable_names()
     const QByteArray path = QFile::encodeName(directory.path()) + '/' + name;
     if (mkdir(path.constData(), 0755) != 0)
         QSKIP("This file system takes names in UTF-8 only");
+    // Qt does not remove it with the rest.
+    const auto remove = qScopeGuard([&path] { rmdir(path.constData()); });
     const auto listing = VLPlatform::listing(directory.path(), Wanted::Directories);
     QCOMPARE(listing.holdsUndecodableName, undecodable);
     QTEST(listing.directories, "directories");

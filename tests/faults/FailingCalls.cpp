@@ -68,7 +68,8 @@ bool fails(std::string_view call, std::string_view path)
     if (announces && failedPath[0] == '\0')
         syscall(SYS_write, STDERR_FILENO, "failed\n", 7);
     copy(path, failedPath.data(), failedPath.size());
-    errno = errorNumber;
+    if (errorNumber >= 0)
+        errno = errorNumber;
     return true;
 }
 

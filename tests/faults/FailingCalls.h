@@ -11,7 +11,8 @@
 extern "C" {
 
 /// Makes the \a first to the \a last \a call on \a directory or on anything below it fail with
-/// \a error, an errno value. The very first one is 1.
+/// \a error, an errno value; a negative one leaves errno as it is, so that "readdir" tells an end.
+/// The very first call is 1.
 void vlArmFailingCall(const char* call, long first, long last, int error, const char* directory);
 
 /// Ends the failing. Returns the path that the last failed call was about, or a null pointer if

@@ -55,6 +55,21 @@ void addFaults(std::initializer_list<const char*> calls)
     }
 }
 
+// Counts what it is told of listings that lack something.
+class ToldPlatform : public VLPlatformIndependent
+{
+public:
+    mutable int told = 0;
+
+protected:
+    void listingIncomplete(const QDir& directory, ListingProblem problem) const override
+    {
+        Q_UNUSED(directory)
+        Q_UNUSED(problem)
+        ++told;
+    }
+};
+
 QStringList messageTexts(const MessageRecorder& recorder)
 {
     QStringList texts;
@@ -159,6 +174,7 @@ private Q_SLOTS:
     void run();
     void fullDisk();
     void kindsThatAreNotTold();
+    void listingOfNothingIsComplete();
     void listingWithoutMemory();
     void host_data()
     {
@@ -317,6 +333,23 @@ void tst_failing_calls::kindsThatAreNotTold()
     QVERIFY(folders);
     folders->sort();
     QCOMPARE(*folders, (QStringList { u"folder"_s, u"to folder"_s }));
+}
+
+// A directory that is removed while it is read holds not even itself.
+void tst_failing_calls::listingOfNothingIsComplete()
+{
+    const ToldPlatform platform;
+    const QByteArray root = m_tree.root().toUtf8();
+    vlArmFailingCall("readdir", 1, 1, -1, root.constData());
+    errno = EIO;
+    QCOMPARE(platform.getDirectFilesInDirectory(QDir(m_tree.root())), QStringList());
+    QVERIFY(vlDisarmFailingCall() != nullptr);
+    QCOMPARE(platform.told, 0);
+
+    vlArmFailingCall("readdir", 1, 1, EIO, root.constData());
+    QCOMPARE(platform.getDirectFilesInDirectory(QDir(m_tree.root())), QStringList());
+    QVERIFY(vlDisarmFailingCall() != nullptr);
+    QCOMPARE(platform.told, 1);
 }
 
 void tst_failing_calls::listingWithoutMemory()
