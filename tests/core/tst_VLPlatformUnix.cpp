@@ -6,6 +6,8 @@
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
+#include <cerrno>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -40,6 +42,7 @@ private Q_SLOTS:
     void listing_of_files();
     void listing_of_directories();
     void listing_of_a_missing_directory_is_empty();
+    void earlier_errors_do_not_count();
     void undecodable_names_data();
     void undecodable_names();
 };
@@ -117,6 +120,18 @@ void tst_VLPlatformUnix::listing_of_a_missing_directory_is_empty()
         QCOMPARE(listing.files, QStringList());
         QCOMPARE(listing.directories, QStringList());
         QVERIFY(!listing.holdsUndecodableName);
+    }
+}
+
+void tst_VLPlatformUnix::earlier_errors_do_not_count()
+{
+    const QTemporaryDir directory;
+    writeFile(directory.filePath(u"file"_s));
+    for (const int error : { ENOMEM, EIO }) {
+        errno = error;
+        const auto listing = VLPlatform::listing(directory.path(), Wanted::Files);
+        QCOMPARE(listing.files, QStringList { u"file"_s });
+        QVERIFY(listing.isComplete);
     }
 }
 
