@@ -2,8 +2,11 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QScopeGuard>
 #include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
+
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -36,6 +39,7 @@ private Q_SLOTS:
     void listing_of_files();
     void listing_of_directories();
     void listing_of_a_missing_directory_is_empty();
+    void listing_of_an_unreadable_directory_is_not_complete();
 };
 
 void tst_VLPlatformMac::every_name_is_decodable()
@@ -85,6 +89,7 @@ void tst_VLPlatformMac::listing_of_files()
     QCOMPARE(sorted(listing.files), files);
     QCOMPARE(listing.directories, QStringList());
     QVERIFY(!listing.holdsUndecodableName);
+    QVERIFY(listing.isComplete);
 }
 
 void tst_VLPlatformMac::listing_of_directories()
@@ -101,6 +106,7 @@ void tst_VLPlatformMac::listing_of_directories()
     QCOMPARE(sorted(listing.directories), directories);
     QCOMPARE(listing.files, QStringList());
     QVERIFY(!listing.holdsUndecodableName);
+    QVERIFY(listing.isComplete);
 }
 
 void tst_VLPlatformMac::listing_of_a_missing_directory_is_empty()
@@ -112,7 +118,24 @@ void tst_VLPlatformMac::listing_of_a_missing_directory_is_empty()
         QCOMPARE(listing.files, QStringList());
         QCOMPARE(listing.directories, QStringList());
         QVERIFY(!listing.holdsUndecodableName);
+        QVERIFY(!listing.isComplete);
     }
+}
+
+void tst_VLPlatformMac::listing_of_an_unreadable_directory_is_not_complete()
+{
+    const QTemporaryDir directory;
+    const QString sub = directory.filePath(u"sub"_s);
+    QVERIFY(QDir().mkdir(sub) && QFile::setPermissions(sub, QFile::Permissions()));
+    QVERIFY(QFile::setPermissions(directory.path(), QFile::Permissions(0x7755)));
+    // What is readable goes by the real user, not by the effective one.
+    constexpr uid_t nobody = 65534;
+    const uid_t user = getuid();
+    const auto restore = qScopeGuard([user] { QCOMPARE(setreuid(user, uid_t(-1)), 0); });
+    if (user == 0 && setreuid(nobody, uid_t(-1)) != 0)
+        QSKIP("This process cannot give up its rights");
+    for (const Wanted wanted : { Wanted::Files, Wanted::Directories })
+        QVERIFY(!VLPlatform::listing(sub, wanted).isComplete);
 }
 
 QTEST_GUILESS_MAIN(tst_VLPlatformMac)

@@ -42,6 +42,7 @@ private Q_SLOTS:
     void listing_of_files();
     void listing_of_directories();
     void listing_of_a_missing_directory_is_empty();
+    void dangling_links_leave_the_listing_complete();
     void earlier_errors_do_not_count();
     void undecodable_names_data();
     void undecodable_names();
@@ -93,6 +94,7 @@ void tst_VLPlatformUnix::listing_of_files()
     QCOMPARE(sorted(listing.files), files);
     QCOMPARE(listing.directories, QStringList());
     QVERIFY(!listing.holdsUndecodableName);
+    QVERIFY(listing.isComplete);
 }
 
 void tst_VLPlatformUnix::listing_of_directories()
@@ -109,6 +111,7 @@ void tst_VLPlatformUnix::listing_of_directories()
     QCOMPARE(sorted(listing.directories), directories);
     QCOMPARE(listing.files, QStringList());
     QVERIFY(!listing.holdsUndecodableName);
+    QVERIFY(listing.isComplete);
 }
 
 void tst_VLPlatformUnix::listing_of_a_missing_directory_is_empty()
@@ -120,6 +123,20 @@ void tst_VLPlatformUnix::listing_of_a_missing_directory_is_empty()
         QCOMPARE(listing.files, QStringList());
         QCOMPARE(listing.directories, QStringList());
         QVERIFY(!listing.holdsUndecodableName);
+        QVERIFY(!listing.isComplete);
+    }
+}
+
+// Each is an error that is none of the listing's, the last one too.
+void tst_VLPlatformUnix::dangling_links_leave_the_listing_complete()
+{
+    const QTemporaryDir directory;
+    for (const QChar name : u"abcdefgh"_s)
+        QVERIFY(QFile::link(u"gone"_s, directory.filePath(name)));
+    for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
+        const auto listing = VLPlatform::listing(directory.path(), wanted);
+        QCOMPARE(listing.files, QStringList());
+        QVERIFY(listing.isComplete);
     }
 }
 

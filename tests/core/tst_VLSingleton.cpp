@@ -2,6 +2,7 @@
 
 #include <VLCore/VLSingleton.h>
 
+#include <QtCore/QDeadlineTimer>
 #include <QtTest/QTest>
 
 #include <dlfcn.h>
@@ -248,7 +249,8 @@ void tst_VLSingleton::instance_made_meanwhile_is_taken()
     lock->lockForRead();
     std::thread second([&found] { found = VLSingleton<Late>::instance(); });
     // No more readers are let in once a writer waits.
-    while (lock->tryLockForRead()) {
+    const QDeadlineTimer deadline(10'000);
+    while (!deadline.hasExpired() && lock->tryLockForRead()) {
         lock->unlock();
         QThread::yieldCurrentThread();
     }

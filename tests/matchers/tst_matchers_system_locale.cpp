@@ -151,6 +151,8 @@ void tst_matchers_system_locale::dayName_data()
 
     QTest::newRow("own_name") << u"Washday"_s << u"Washday"_s << Type::Day;
     QTest::newRow("own_name_in_another_case") << u"Washday"_s << u"washday"_s << Type::Unknown;
+    QTest::newRow("numerals_are_no_digits")
+        << u"Tag \u2160 \u2161"_s << u"Tag \u2160 \u2161"_s << Type::Day;
     QTest::newRow("name_of_the_host_counts_as_before") << u"Washday"_s << u"Monday"_s << Type::Day;
     QTest::newRow("empty_name_matches_nothing") << u""_s << u""_s << Type::Unknown;
     QTest::newRow("empty_name_is_not_in_every_name") << u""_s << u"Beach"_s << Type::Unknown;
