@@ -55,6 +55,11 @@ void tst_matchers_first_locale::monthsStayAndDaysFollow()
     QCOMPARE(type(u"Sonntag, 14. Juli 2019"_s), Type::Year);
     QCOMPARE(type(u"Monday"_s), Type::Day);
 
+    // A language whose days have another ending within a date, which counts here.
+    QLocale::setDefault(QLocale(QLocale::Finnish, QLocale::Finland));
+    QCOMPARE(type(u"maanantaina"_s), Type::Day);
+    QCOMPARE(type(u"maanantai"_s), Type::Unknown);
+
     QLocale::setDefault(QLocale::c());
     QCOMPARE(type(u"7"_s), Type::Day);
     QCOMPARE(type(u"8"_s), Type::Month);
