@@ -188,6 +188,7 @@ private Q_SLOTS:
     void streamKeepsItsDefaults();
     void nameFiltersAreNotApplied_data();
     void nameFiltersAreNotApplied();
+    void nameFiltersAreKept();
     void countOfTheRootIncludesTheReport();
     void secondReportHasTheSameBytes();
     void relativeReportFile();
@@ -425,6 +426,8 @@ void tst_VLClassificationResultsRendererHTML::isSmaller_data()
     QTest::newRow("surrogates_ahead_of_the_end_of_the_plane")
         << u"/r/\U0001F600"_s << u"/r/\uFF21"_s;
     QTest::newRow("composed_and_decomposed_differ") << u"/r/a\u0308"_s << u"/r/\u00e4"_s;
+    QTest::newRow("relative_path_counts_from_the_root_of_all") << u"zz"_s << u"/~"_s;
+    QTest::newRow("relative_path_behind_a_lower_absolute_one") << u"/!"_s << u"!"_s;
     QTest::newRow("no_directory_first") << QString() << u"/"_s;
 }
 
@@ -629,6 +632,18 @@ void tst_VLClassificationResultsRendererHTML::nameFiltersAreNotApplied()
         .renderToFile(QFileInfo(reports.filePath(reportName)));
     QCOMPARE(fileContents(reports.filePath(reportName)),
              report({ row("Year", "", "3", "no data") }));
+}
+
+void tst_VLClassificationResultsRendererHTML::nameFiltersAreKept()
+{
+    QStringList filters;
+    filters.append(u"*.*"_s);
+    QVERIFY(filters.isDetached());
+    {
+        const Renderer renderer({}, 0, filters);
+        QVERIFY(!filters.isDetached());
+    }
+    QVERIFY(filters.isDetached());
 }
 
 void tst_VLClassificationResultsRendererHTML::countOfTheRootIncludesTheReport()
@@ -905,7 +920,7 @@ void tst_VLClassificationResultsRendererHTML::oldReportInDirectoryWithoutWritePe
     QTest::addColumn<qsizetype>("messageCount");
 
     QTest::newRow("read_only_report_stays")
-        << QFile::Permissions::fromInt(0x4444) << QByteArray("old") << qsizetype(2);
+        << QFile::Permissions::fromInt(0x4444) << QByteArray(5000, 'x') << qsizetype(2);
     QTest::newRow("writable_report_is_overwritten")
         << QFile::Permissions::fromInt(0x6666) << report({}) << qsizetype(1);
 }
@@ -919,7 +934,7 @@ void tst_VLClassificationResultsRendererHTML::oldReportInDirectoryWithoutWritePe
     const RecordingPlatform platform;
     const QTemporaryDir dir;
     const QString path = dir.filePath(reportName);
-    QVERIFY(writeFile(path, "old"));
+    QVERIFY(writeFile(path, QByteArray(5000, 'x')));
     QVERIFY(QFile::setPermissions(path, permissions));
     QVERIFY(QFile::setPermissions(dir.path(), QFile::Permissions::fromInt(0x5555)));
     const MessageRecorder recorder;
