@@ -71,8 +71,8 @@ public:
     /// otherwise nothing. Names that are not UTF-8 and hidden ones are left out; the order is
     /// unspecified.
     ///
-    /// Qt's listing passes over a name that it cannot decode up to Qt 6.4, and ends at it in
-    /// Qt 6.8: there this finds the directories that it loses.
+    /// Qt's listing passes over a name that it cannot decode in Qt 6.4, and ends at it in Qt 6.8
+    /// (nothing between them was tried): there this finds the directories that it loses.
     [[nodiscard]] static std::optional<QStringList>
     directoriesBesideUndecodableNames(const QDir& directory);
 
