@@ -1,5 +1,7 @@
 #include "VLEventFolderClassificationResult.h"
 
+#include "VLOwnFileInfo_p.h"
+
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -20,12 +22,13 @@ VLEventFolderClassificationResult::VLEventFolderClassificationResult() = default
 
 VLEventFolderClassificationResult::VLEventFolderClassificationResult(
     const QFileInfo& directory, const VLEventFolderType& classification)
-    : m_directory(directory)
+    : m_directory(withOwnData(directory))
     , m_classification(classification)
 {
-    // Qt caches the path without a lock, in data that copies share. Once it is there it is only
-    // read.
-    (void)m_directory.absoluteFilePath();
+    // Copies of this share its data. A path that Qt has cached in it is only read from then on; a
+    // relative one is not absolute before someone asks.
+    if (m_directory.isAbsolute())
+        (void)m_directory.absoluteFilePath();
 }
 
 VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = default;

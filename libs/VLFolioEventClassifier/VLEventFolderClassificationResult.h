@@ -20,16 +20,15 @@
 /// \endcode
 ///
 /// Threads: distinct objects may be used from distinct threads, copies included, and one object may
-/// be read by several. What directory() gives back is not as free, see there.
+/// be read by several, if their directories are absolute paths, as those of the walk from an
+/// absolute root are. What directory() gives back is not as free, see there.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderClassificationResult
 {
 public:
     /// Makes a result without a directory (a default-constructed QFileInfo), of the type Unknown,
     /// with no occasions.
     VLEventFolderClassificationResult();
-    /// Makes the result of \a directory, which need not exist, with no occasions. A relative
-    /// \a directory takes its absolute path from the working directory of this moment, unless it
-    /// was asked for that before or does not cache.
+    /// Makes the result of \a directory, which need not exist, with no occasions.
     VLEventFolderClassificationResult(const QFileInfo& directory,
                                       const VLEventFolderType& classification);
     /// \{

@@ -1,6 +1,7 @@
 #include "VLFolioEventClassifier.h"
 
 #include "VLClassificationResultsRendererHTML.h"
+#include "VLOwnFileInfo_p.h"
 
 #include <VLCore/VLLogger.h>
 #include <VLCore/VLPlatformIndependent.h>
@@ -322,12 +323,8 @@ Q_NEVER_INLINE void moveTo(QList<VLEventFolderClassificationResult>& results,
 } // namespace
 
 VLFolioEventClassifier::VLFolioEventClassifier(const QFileInfo& root)
-    : rootDirectory(root)
+    : rootDirectory(withOwnData(root))
 {
-    // Setting anything gives it data of its own: Qt caches without a lock what it finds out about a
-    // file. One without a path caches nothing, and would no longer equal its copies.
-    if (!root.filePath().isEmpty())
-        rootDirectory.setCaching(root.caching());
 }
 
 VLFolioEventClassifier::~VLFolioEventClassifier() = default;

@@ -31,8 +31,8 @@
 ///
 /// Threads: everything runs on the calling thread. A classifier holds nothing but its root, so
 /// several threads may each use their own; one object belongs to one thread at a time. Classifiers
-/// may be made of one QFileInfo, but what is passed to the other operations must belong to the
-/// calling thread: copies of a QFileInfo share what Qt caches in it, without a lock.
+/// may be made of one absolute QFileInfo, but what is passed to the other operations must belong to
+/// the calling thread: copies of a QFileInfo share what Qt caches in it, without a lock.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:

@@ -1,6 +1,7 @@
 // Copies of a QFileInfo share what Qt caches of the file, without a lock. What the library does
 // with them must leave nothing in there, or it would be written by two threads at once.
 
+#include "RecordingPlatform.h"
 #include "RunTogether.h"
 #include "WorkingDirectory.h"
 
@@ -43,12 +44,15 @@ class tst_threads_copies : public QObject
 private Q_SLOTS:
     void init();
     void cleanup();
-    void renderingKeepsThePathOfTheConstruction();
+    void makingAResultLeavesNothingInTheDirectory();
+    void relativeDirectoryIsAbsoluteWhereItIsAskedFor();
+    void relativeRootKeepsThePathItHadFound();
     void comparingLeavesNothingInTheDirectory();
     void resultsWithoutDirectoryEqualTheirCopies();
     void classifyingLeavesNothingInTheRootItWasMadeOf();
     void rootWithoutPathEqualsItsCopies();
     void allThreadsUseCopiesAtOnce();
+    void allThreadsMakeResultsOfOneListing();
 
 private:
     std::unique_ptr<QTemporaryDir> m_directory;
@@ -72,14 +76,38 @@ void tst_threads_copies::cleanup()
     m_directory.reset();
 }
 
-void tst_threads_copies::renderingKeepsThePathOfTheConstruction()
+// Relative while the data is its own: what was found out then would be another path now.
+void tst_threads_copies::makingAResultLeavesNothingInTheDirectory()
 {
     const WorkingDirectory above(QFileInfo(m_folder).path());
     QVERIFY(above.isActive());
+    const QFileInfo directory(u"folder"_s);
+    const VLEventFolderClassificationResult result(directory, VLEventFolderTypeEnum::Event);
+    const WorkingDirectory inside(m_folder);
+    QVERIFY(inside.isActive());
+    QCOMPARE(directory.absoluteFilePath(), m_folder + u"/folder"_s);
+}
+
+void tst_threads_copies::relativeDirectoryIsAbsoluteWhereItIsAskedFor()
+{
     const VLEventFolderClassificationResult result = eventAt(u"folder"_s);
     const WorkingDirectory inside(m_folder);
     QVERIFY(inside.isActive());
-    QCOMPARE(result.render(0), u"  Event <= "_s + m_folder);
+    QCOMPARE(result.render(0), u"  Event <= "_s + m_folder + u"/folder"_s);
+}
+
+void tst_threads_copies::relativeRootKeepsThePathItHadFound()
+{
+    const WorkingDirectory above(QFileInfo(m_folder).path());
+    QVERIFY(above.isActive());
+    const QFileInfo root(u"folder"_s);
+    QCOMPARE(root.absoluteFilePath(), m_folder);
+    VLFolioEventClassifier classifier(root);
+    const WorkingDirectory inside(m_folder);
+    QVERIFY(inside.isActive());
+    const RecordingPlatform platform;
+    classifier.start();
+    QVERIFY(QFile::exists(m_folder + u"/vela.classification.results.html"_s));
 }
 
 void tst_threads_copies::comparingLeavesNothingInTheDirectory()
@@ -132,6 +160,27 @@ void tst_threads_copies::allThreadsUseCopiesAtOnce()
             for (const VLEventFolderClassificationResult& result : results) {
                 const VLEventFolderClassificationResult copy = result;
                 wrong += copy == link && copy.render(0) == line ? 0 : 1;
+            }
+        });
+    }
+    QCOMPARE(wrong.load(), 0);
+}
+
+// As a host does that has listed folders by itself and shares the list out.
+void tst_threads_copies::allThreadsMakeResultsOfOneListing()
+{
+    constexpr int folderCount = 3000;
+    const QString line = u"  Event <= "_s + m_folder;
+    std::atomic_int wrong { 0 };
+    for (int round = 0; round < roundCount; ++round) {
+        QFileInfoList listed;
+        for (int i = 0; i < folderCount; ++i)
+            listed.append(QFileInfo(m_folder));
+        runTogether(2, [&wrong, &line, listed](int) {
+            for (const QFileInfo& directory : listed) {
+                const VLEventFolderClassificationResult result(directory,
+                                                               VLEventFolderTypeEnum::Event);
+                wrong += result.render(0) == line ? 0 : 1;
             }
         });
     }

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QtCore/QFileInfo>
+
+/// Returns \a info with data of its own. Copies of a QFileInfo share theirs, in which Qt caches,
+/// without a lock, what it finds out about the file.
+///
+/// A relative path keeps its data: it may have become absolute under another working directory. So
+/// does the path of a file engine, and an object without a path, which is equal only to its copies.
+inline QFileInfo withOwnData(const QFileInfo& info)
+{
+    if (!info.isNativePath())
+        return info;
+    QFileInfo own = info;
+    own.setCaching(info.caching());
+    return own.isAbsolute() ? own : info;
+}
