@@ -50,9 +50,9 @@ public:
     /// time: what was found out once is not kept.
     [[nodiscard]] bool operator==(const VLEventFolderClassificationResult& other) const;
 
-    /// The directory. It shares its data with the one in this object and in copies of it: all may
-    /// ask it for filePath() and absoluteFilePath() at once, but Qt caches what else it finds out
-    /// without a lock, so a thread that wants more makes a QFileInfo of its own from the path.
+    /// The directory. It shares its data with the one in this object and in copies of it, and Qt
+    /// caches in there, without a lock, what it finds out: a thread that asks it for more than
+    /// filePath(), while others use such copies, makes a QFileInfo of its own from that.
     [[nodiscard]] QFileInfo directory() const;
     /// Its type, or a combination of types.
     [[nodiscard]] VLEventFolderType classification() const;

@@ -1,5 +1,7 @@
 #include "VLEventFolderClassificationResultList.h"
 
+#include "VLOwnFileInfo_p.h"
+
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -38,6 +40,6 @@ QString VLEventFolderClassificationResultList::toString()
     QStringList paths;
     paths.reserve(size());
     for (const VLEventFolderClassificationResult& result : std::as_const(*this))
-        paths.append(result.directory().absoluteFilePath());
+        paths.append(withOwnData(result.directory()).absoluteFilePath());
     return paths.join(u"\n"_s);
 }
