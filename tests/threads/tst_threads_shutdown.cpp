@@ -77,7 +77,7 @@ void tst_threads_shutdown::walksEndAndKeepWhatTheyHave()
         QVERIFY(walkers.back()->start());
     }
     for (const auto& walker : walkers)
-        QTRY_VERIFY_WITH_TIMEOUT(walker->fullWalks() > 0, 30'000);
+        QVERIFY(QTest::qWaitFor([&walker] { return walker->fullWalks() > 0; }, 30'000));
 
     application.reset();
 
