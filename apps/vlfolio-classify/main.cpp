@@ -11,7 +11,9 @@
 #include <QtCore/QLoggingCategory>
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <new>
 
 #include <dirent.h>
 #include <sys/stat.h>
@@ -126,5 +128,11 @@ int main(int argc, char* argv[])
         Terminal::complain(error + u". Try 'vlfolio-classify --help'."_s);
         return wrongUsage;
     }
-    return run(*commandLine);
+    try {
+        return run(*commandLine);
+    } catch (const std::bad_alloc&) {
+        // What makes the other messages needs memory.
+        std::fputs("vlfolio-classify: out of memory\n", stderr);
+        return EXIT_FAILURE;
+    }
 }

@@ -281,6 +281,19 @@ void ChildSteps::limitFileSize(unsigned long bytes)
         giveUp();
 }
 
+void ChildSteps::limitMemory(unsigned long bytes)
+{
+#if defined(Q_OS_LINUX)
+    // Not the address space: the libraries' code and tables are most of that, and differ in size.
+    const rlimit limit { bytes, bytes };
+    if (setrlimit(RLIMIT_DATA, &limit) != 0)
+        giveUp();
+#else
+    Q_UNUSED(bytes)
+    giveUp();
+#endif
+}
+
 void ChildSteps::mountOver(const char* directory, bool readOnly)
 {
 #if defined(Q_OS_LINUX)

@@ -77,6 +77,9 @@ void closedPipe();
 /// No file grows beyond \a bytes.
 void limitFileSize(unsigned long bytes);
 
+/// The program can take no more memory than that for itself.
+void limitMemory(unsigned long bytes);
+
 /// Puts a small file system of the child's own, read-only or full, over \a directory.
 void mountOver(const char* directory, bool readOnly);
 

@@ -1,5 +1,6 @@
 #include "HostProgram.h"
 #include "RawDirectory.h"
+#include "Sanitizer.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -48,6 +49,8 @@ private Q_SLOTS:
     void endsQuietlyWithItsReader();
     void orderOfCreationIsOfNoMatter_data();
     void orderOfCreationIsOfNoMatter();
+    void memoryIsShort_data();
+    void memoryIsShort();
 
 private:
     RawDirectory m_tree;
@@ -171,6 +174,32 @@ void tst_vlfolio_classify_large::orderOfCreationIsOfNoMatter()
         QCOMPARE(outcome.output, expectedOutput);
         QCOMPARE(written, expectedReport);
     }
+}
+
+void tst_vlfolio_classify_large::memoryIsShort_data()
+{
+    QTest::addColumn<QString>("option");
+
+    for (const auto* const option : { "--no-open", "--list", "--json", "--summary" })
+        QTest::addRow("%s", option) << QString::fromLatin1(option);
+}
+
+void tst_vlfolio_classify_large::memoryIsShort()
+{
+    if (underSanitizer)
+        QSKIP("A sanitizer takes memory of its own");
+    QFETCH(QString, option);
+    // Enough for the program to begin, and far less than the results take.
+    constexpr unsigned long limit = 8UL * 1024 * 1024;
+
+    const auto outcome =
+        HostProgram({ option, m_tree.path() }).before([] { ChildSteps::limitMemory(limit); }).run();
+
+    if (outcome.exitCode == HostProgram::setUpFailed)
+        QSKIP("Memory cannot be limited here");
+    QCOMPARE(outcome.error, "vlfolio-classify: out of memory\n"_ba);
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.exitCode, 1);
 }
 
 QTEST_GUILESS_MAIN(tst_vlfolio_classify_large)
