@@ -4,8 +4,7 @@
 #include "Progress.h"
 #include "Terminal.h"
 
-#include <VLCore/VLPlatformIndependent.h>
-#include <VLFolioEventClassifier/VLEventFolderClassificationResultList.h>
+#include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
 #include <QtCore/QDir>
@@ -13,9 +12,12 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QList>
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -48,20 +50,39 @@ std::string progressText(const HostPlatform& platform)
     return "Reading folder " + std::to_string(folders);
 }
 
-QList<VLEventFolderClassificationResult> classified(const QString& rootPath,
-                                                    const HostPlatform& platform)
+// A folder of the outcome, and what was seen in it.
+struct Folder
+{
+    VLEventFolderClassificationResult result;
+    qsizetype fileCount = 0;
+    QList<HostPlatform::Omission> omissions;
+};
+
+Folder lookedInto(const VLEventFolderClassificationResult& result, const HostPlatform& platform)
+{
+    const QDir directory(result.directory().absoluteFilePath());
+    const qsizetype knownOmissions = platform.omissions().size();
+    const qsizetype fileCount = platform.getDirectFilesInDirectory(directory).size();
+    return { result, fileCount, platform.omissions().sliced(knownOmissions) };
+}
+
+QList<Folder> classified(const QString& rootPath, const HostPlatform& platform)
 {
     const Progress progress([&platform] { return progressText(platform); });
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
-    auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+    const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
     // The walk says nothing of what it cannot read. Another look at each folder does.
-    for (const VLEventFolderClassificationResult& result : std::as_const(results)) {
-        const QStringList files =
-            platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath()));
-        Q_UNUSED(files)
-    }
-    return results;
+    QList<Folder> folders;
+    folders.reserve(results.size());
+    for (const VLEventFolderClassificationResult& result : results)
+        folders.append(lookedInto(result, platform));
+    return folders;
+}
+
+bool isWanted(const VLEventFolderType& type, const std::optional<VLEventFolderType>& only)
+{
+    return !only || *only == type;
 }
 
 // The root's path and the slash behind it.
@@ -82,35 +103,45 @@ QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
     return array;
 }
 
-// Only what is incomplete says so: that is what a reader looks for.
-QString jsonLine(const VLEventFolderClassificationResult& result, int prefix,
-                 const QStringList& omissions = {})
+QJsonArray reasonsOf(const QList<HostPlatform::Omission>& omissions)
 {
-    const QString path = result.directory().absoluteFilePath();
-    const VLEventFolderType type = result.classification();
-    const QStringList files =
-        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    QJsonArray array;
+    for (const HostPlatform::Omission& omission : omissions) {
+        array.append(omission.problem == HostPlatform::ListingProblem::Unreadable
+                         ? u"unreadable"_s
+                         : u"undecodableNames"_s);
+    }
+    return array;
+}
+
+QString jsonLine(const Folder& folder, int prefix)
+{
+    const QString path = folder.result.directory().absoluteFilePath();
+    const VLEventFolderType type = folder.result.classification();
     // clang-format off
     QJsonObject object {
         { u"path"_s, path },
         { u"relativePath"_s, path.mid(prefix) },
         { u"type"_s, nameOf(type) },
         { u"value"_s, static_cast<int>(type.value()) },
-        { u"files"_s, files.size() },
-        { u"occasions"_s, occasionsOf(result) },
+        { u"files"_s, folder.fileCount },
+        { u"occasions"_s, occasionsOf(folder.result) },
     };
     // clang-format on
-    if (!omissions.isEmpty())
-        object.insert(u"incomplete"_s, QJsonArray::fromStringList(omissions));
+    // Only what is incomplete says so: that is what a reader looks for.
+    if (!folder.omissions.isEmpty())
+        object.insert(u"incomplete"_s, reasonsOf(folder.omissions));
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
-void printSummary(VLEventFolderClassificationResultList& results,
-                  const std::optional<VLEventFolderType>& only)
+void printSummary(const QList<Folder>& folders, const std::optional<VLEventFolderType>& only)
 {
     for (const VLEventFolderTypeEnum type : allTypes) {
-        if (!only || *only == type) {
-            const qsizetype count = results.filtered(type).size();
+        if (isWanted(type, only)) {
+            const auto count =
+                std::count_if(folders.cbegin(), folders.cend(), [type](const Folder& folder) {
+                    return folder.result.classification() == type;
+                });
             Terminal::writeLine(u"%1 %2"_s.arg(nameOf(type), -13).arg(count));
         }
     }
@@ -142,21 +173,18 @@ int exitCode()
 int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
 {
     const HostPlatform platform(CommandLine::Opening::Never);
-    VLEventFolderClassificationResultList results = classified(rootPath, platform);
+    const QList<Folder> folders = classified(rootPath, platform);
     platform.tellOmissions();
     if (commandLine.action == CommandLine::Action::Summary) {
-        printSummary(results, commandLine.type);
+        printSummary(folders, commandLine.type);
         return exitCode();
     }
 
-    if (commandLine.type)
-        results = results.filtered(*commandLine.type);
     const int prefix = prefixLength(rootPath);
     const bool asJson = commandLine.action == CommandLine::Action::Json;
-    for (const VLEventFolderClassificationResult& result : std::as_const(results)) {
-        const QString path = result.directory().absoluteFilePath();
-        Terminal::writeLine(asJson ? jsonLine(result, prefix, platform.omissionsIn(path))
-                                   : result.render(prefix));
+    for (const Folder& folder : folders) {
+        if (isWanted(folder.result.classification(), commandLine.type))
+            Terminal::writeLine(asJson ? jsonLine(folder, prefix) : folder.result.render(prefix));
     }
     return exitCode();
 }

@@ -27,6 +27,14 @@ bool hasDesktop()
 #endif
 }
 
+QString sentenceFor(const HostPlatform::Omission& omission)
+{
+    return omission.problem == HostPlatform::ListingProblem::Unreadable
+        ? u"cannot read %1: what is in it is left out"_s.arg(omission.path)
+        : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(
+            omission.path);
+}
+
 } // namespace
 
 HostPlatform::HostPlatform(CommandLine::Opening opening)
@@ -70,24 +78,18 @@ QString HostPlatform::reportPath() const
 
 void HostPlatform::listingIncomplete(const QDir& directory, ListingProblem problem) const
 {
-    const QString path = directory.path();
-    const bool unreadable = problem == ListingProblem::Unreadable;
-    m_omissions.append(
-        unreadable
-            ? u"cannot read %1: what is in it is left out"_s.arg(path)
-            : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(path));
-    m_omissionsByPath[path].append(unreadable ? u"unreadable"_s : u"undecodableNames"_s);
+    m_omissions.append({ directory.path(), problem });
 }
 
-QStringList HostPlatform::omissionsIn(const QString& path) const
+QList<HostPlatform::Omission> HostPlatform::omissions() const
 {
-    return m_omissionsByPath.value(path);
+    return m_omissions;
 }
 
 void HostPlatform::tellOmissions() const
 {
-    for (const QString& omission : std::as_const(m_omissions))
-        Terminal::complain(omission);
+    for (const Omission& omission : std::as_const(m_omissions))
+        Terminal::complain(sentenceFor(omission));
 }
 
 void HostPlatform::openReport()

@@ -5,7 +5,7 @@
 #include <VLCore/VLPlatformIndependent.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QHash>
+#include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -16,6 +16,15 @@
 class HostPlatform : public VLPlatformIndependent
 {
 public:
+    using VLPlatformIndependent::ListingProblem;
+
+    /// Something in the directory at \a path was left out, and why.
+    struct Omission
+    {
+        QString path;
+        ListingProblem problem;
+    };
+
     explicit HostPlatform(CommandLine::Opening opening);
     ~HostPlatform() override;
     Q_DISABLE_COPY_MOVE(HostPlatform)
@@ -34,12 +43,11 @@ public:
     /// Path of the report that was to be opened; empty before.
     [[nodiscard]] QString reportPath() const;
 
+    /// What the listings so far left out, in their order.
+    [[nodiscard]] QList<Omission> omissions() const;
+
     /// Says which folders hold something that was left out, and why.
     void tellOmissions() const;
-
-    /// Why something in the directory at \a path was left out, a word for each reason:
-    /// "unreadable", "undecodableNames". Empty when nothing was.
-    [[nodiscard]] QStringList omissionsIn(const QString& path) const;
 
     /// Opens the report, or says why not.
     void openReport();
@@ -52,6 +60,5 @@ private:
     QString m_reportPath;
     mutable std::atomic<int> m_folderCount = 0;
     mutable int m_markupCount = 0;
-    mutable QStringList m_omissions;
-    mutable QHash<QString, QStringList> m_omissionsByPath;
+    mutable QList<Omission> m_omissions;
 };
