@@ -38,15 +38,15 @@ void classify(const QString& rootPath, const HostPlatform& platform)
 
 // A link or a pipe under the report's name must go: what is written would end up elsewhere, or wait
 // for a reader for ever. Returns what keeps it there, or an empty string.
-QString obstacle(const QString& reportPath)
+QString removeObstacle(const QString& reportPath)
 {
     const QByteArray name = QFile::encodeName(reportPath);
     struct stat status = {};
-    if (lstat(name.constData(), &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)
-        || unlink(name.constData()) == 0) {
+    if (lstat(name.constData(), &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))
         return {};
-    }
-    return Terminal::errorText(errno) + u"; what has that name is no file and stays"_s;
+    const bool isGone = unlink(name.constData()) == 0;
+    return isGone ? QString()
+                  : Terminal::errorText(errno) + u"; what has that name is no file and stays"_s;
 }
 
 // What is wrong with a report that could be opened, or an empty string. A full disk is not noticed
@@ -84,7 +84,7 @@ int fail(const QString& reportPath, const QString& reason)
 int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
 {
     const QString expectedPath = QDir(rootPath).filePath(u"vela.classification.results.html"_s);
-    if (const QString reason = obstacle(expectedPath); !reason.isEmpty())
+    if (const QString reason = removeObstacle(expectedPath); !reason.isEmpty())
         return fail(expectedPath, reason);
 
     const ReportMessages messages;
