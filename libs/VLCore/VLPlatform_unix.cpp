@@ -41,11 +41,12 @@ mode_t kindOfTarget(const QByteArray& link)
 }
 
 // Whether an entry is of the kind that is looked for, or a link to such.
-bool isWanted(VLPlatform::Wanted wanted, int directory, const dirent& entry, const QByteArray& path)
+bool isWanted(VLPlatform::Wanted wanted, int directory, const QByteArray& directoryPath,
+              const dirent& entry)
 {
     const mode_t kind = kindOf(directory, entry);
     const bool isLink = kind == S_IFLNK;
-    const mode_t target = isLink ? kindOfTarget(path + '/' + entry.d_name) : kind;
+    const mode_t target = isLink ? kindOfTarget(directoryPath + '/' + entry.d_name) : kind;
     if (wanted == VLPlatform::Wanted::Files)
         return target == S_IFREG;
     // QDir takes every link for a directory that leads to something else than a file.
@@ -103,6 +104,7 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     if (!stream)
         return listing;
     const int directory = ::dirfd(stream.get());
+    QStringList& names = wanted == Wanted::Files ? listing.files : listing.directories;
     // Only the error number tells the end of a directory from a failure.
     errno = 0;
     while (const dirent* const entry = ::readdir(stream.get())) {
@@ -110,8 +112,8 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
         const bool undecodable = isUndecodable(entry->d_name, name);
         listing.holdsUndecodableName |= undecodable;
         const bool isKept = wanted == Wanted::Files || !undecodable;
-        if (isKept && isListed(name) && isWanted(wanted, directory, *entry, directoryPath))
-            (wanted == Wanted::Files ? listing.files : listing.directories).append(name);
+        if (isKept && isListed(name) && isWanted(wanted, directory, directoryPath, *entry))
+            names.append(name);
         errno = 0;
     }
     listing.isComplete = errno == 0;
