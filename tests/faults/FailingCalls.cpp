@@ -1,5 +1,7 @@
 #include "FailingCalls.h"
 
+#include "OriginalFunction.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -11,7 +13,6 @@
 #include <string_view>
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -37,12 +38,6 @@ struct Stream
     Path path {};
 };
 std::array<Stream, 8> streams;
-
-template <typename Function>
-Function original(const char* name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
 
 void copy(std::string_view text, char* target, std::size_t size)
 {
@@ -131,11 +126,6 @@ Entry* read(const DIR* stream, Entry* entry)
     return entry;
 }
 
-mode_t modeOf(int flags, va_list* arguments)
-{
-    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(*arguments, mode_t) : 0;
-}
-
 [[gnu::constructor]] void armFromEnvironment()
 {
     const char* const order = std::getenv("VLFOLIO_FAILING_CALL");
@@ -209,7 +199,7 @@ int open(const char* path, int flags, ...)
     static const auto function = original<int (*)(const char*, int, ...)>("open");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, &arguments);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return failsAt("open", path) ? -1 : function(path, flags, mode);
 }
@@ -219,7 +209,7 @@ int open64(const char* path, int flags, ...)
     static const auto function = original<int (*)(const char*, int, ...)>("open64");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, &arguments);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return failsAt("open", path) ? -1 : function(path, flags, mode);
 }
@@ -229,7 +219,7 @@ int openat(int directory, const char* path, int flags, ...)
     static const auto function = original<int (*)(int, const char*, int, ...)>("openat");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, &arguments);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return fails("open", directory, path) ? -1 : function(directory, path, flags, mode);
 }

@@ -1,4 +1,5 @@
 #include "MessageRecorder.h"
+#include "OriginalFunction.h"
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
@@ -8,8 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <new>
-
-#include <dlfcn.h>
 
 using namespace Qt::StringLiterals;
 
@@ -34,11 +33,10 @@ extern "C" {
 void* pcre2_compile_16(const char16_t* pattern, std::size_t length, std::uint32_t options,
                        int* error, std::size_t* offset, void* context)
 {
-    static const auto original =
-        reinterpret_cast<decltype(&pcre2_compile_16)>(dlsym(RTLD_NEXT, "pcre2_compile_16"));
+    static const auto function = original<decltype(&pcre2_compile_16)>("pcre2_compile_16");
     ++compileCount;
     if (!compileFails)
-        return original(pattern, length, options, error, offset, context);
+        return function(pattern, length, options, error, offset, context);
     constexpr int heapFailed = 121;
     *error = heapFailed;
     *offset = 0;
@@ -48,10 +46,9 @@ void* pcre2_compile_16(const char16_t* pattern, std::size_t length, std::uint32_
 int pcre2_match_16(const void* code, const char16_t* subject, std::size_t length, std::size_t start,
                    std::uint32_t options, void* data, void* context)
 {
-    static const auto original =
-        reinterpret_cast<decltype(&pcre2_match_16)>(dlsym(RTLD_NEXT, "pcre2_match_16"));
+    static const auto function = original<decltype(&pcre2_match_16)>("pcre2_match_16");
     constexpr int noMemory = -48;
-    return searchFails ? noMemory : original(code, subject, length, start, options, data, context);
+    return searchFails ? noMemory : function(code, subject, length, start, options, data, context);
 }
 
 } // extern "C"

@@ -1,3 +1,5 @@
+#include "OriginalFunction.h"
+
 #include <atomic>
 #include <csignal>
 #include <cstdarg>
@@ -5,7 +7,6 @@
 #include <cstdlib>
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -23,22 +24,11 @@ std::atomic<long> callsLeft = 0;
         callsLeft = call;
 }
 
-template <typename Function>
-Function original(const char* name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
 // Before the call is made: what the one before it has done is all that was done.
 void count()
 {
     if (callsLeft > 0 && --callsLeft == 0)
         kill(getpid(), signalNumber);
-}
-
-mode_t modeOf(int flags, va_list* arguments)
-{
-    return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(*arguments, mode_t) : 0;
 }
 
 } // namespace
@@ -50,7 +40,7 @@ int open(const char* path, int flags, ...)
     static const auto function = original<int (*)(const char*, int, ...)>("open");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, &arguments);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     count();
     return function(path, flags, mode);
@@ -61,7 +51,7 @@ int open64(const char* path, int flags, ...)
     static const auto function = original<int (*)(const char*, int, ...)>("open64");
     va_list arguments;
     va_start(arguments, flags);
-    const mode_t mode = modeOf(flags, &arguments);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     count();
     return function(path, flags, mode);

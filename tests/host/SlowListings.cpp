@@ -1,3 +1,5 @@
+#include "OriginalFunction.h"
+
 #include <atomic>
 #include <chrono>
 #include <cstdlib>
@@ -5,7 +7,6 @@
 #include <thread>
 
 #include <dirent.h>
-#include <dlfcn.h>
 
 using namespace std::chrono_literals;
 
@@ -23,10 +24,9 @@ long lateListings()
 /// of them do, or as many as the environment says.
 extern "C" DIR* opendir(const char* name)
 {
-    using Function = DIR* (*)(const char*);
-    static const auto original = reinterpret_cast<Function>(dlsym(RTLD_NEXT, "opendir"));
+    static const auto function = original<DIR* (*)(const char*)>("opendir");
     static std::atomic<long> left = lateListings();
     if (left-- > 0)
         std::this_thread::sleep_for(100ms);
-    return original(name);
+    return function(name);
 }
