@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <cstdio>
+#include <system_error>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -19,8 +20,13 @@ constexpr auto clearLine = "\r\033[K";
 Progress::Progress(std::function<std::string()> text)
     : m_text(std::move(text))
 {
-    if (Terminal::canWriteOverErrorLine())
+    if (!Terminal::canWriteOverErrorLine())
+        return;
+    try {
         m_thread = std::thread(&Progress::run, this);
+    } catch (const std::system_error&) {
+        // The work goes on where the system has no thread to spare; nothing is shown of it.
+    }
 }
 
 Progress::~Progress()

@@ -1,5 +1,6 @@
 #include "HostProgram.h"
 #include "PictureTree.h"
+#include "Sanitizer.h"
 
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
@@ -276,6 +277,7 @@ private Q_SLOTS:
     void pipedNamesAreRaw();
     void shortRunIsSilentOnTerminal();
     void longRunShowsProgress();
+    void progressIsNotNeeded();
     void longRunIsSilentOffTerminal();
     void longRunIsSilentWhereLinesStay_data();
     void longRunIsSilentWhereLinesStay();
@@ -1378,6 +1380,26 @@ void tst_vlfolio_classify::longRunShowsProgress()
              outcome.terminal.toPercentEncoding().constData());
     QCOMPARE(outcome.output, tree.filled(u"{}/pics/"_s + reportName + u'\n').toUtf8());
     QCOMPARE(outcome.error, QByteArray());
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify::progressIsNotNeeded()
+{
+    if (underSanitizer)
+        QSKIP("A sanitizer takes memory of its own");
+    const PictureTree tree;
+    tree.addPictures();
+
+    // Enough for a small tree, but not for the stack of a second thread.
+    const auto outcome = program({ u"--list"_s, tree.path(u"pics"_s) })
+                             .error(Stream::Terminal)
+                             .before([] { ChildSteps::limitMemory(4UL * 1024 * 1024); })
+                             .run();
+
+    if (outcome.exitCode == HostProgram::setUpFailed)
+        QSKIP("Memory cannot be limited here");
+    QCOMPARE(outcome.terminal, QByteArray());
+    QCOMPARE(outcome.output, picturesList);
     QCOMPARE(outcome.exitCode, 0);
 }
 
