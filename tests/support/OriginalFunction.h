@@ -3,9 +3,10 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 
-/// The function \a name of the library behind this one, whose own of that name comes first.
+/// The function \a name of the library behind this one, whose own of that name comes first. Each
+/// library has a copy of its own: "behind" is counted from the caller.
 template <typename Function>
-Function original(const char* name)
+static Function original(const char* name)
 {
     return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
 }
