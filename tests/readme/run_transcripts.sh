@@ -48,6 +48,8 @@ run() {
     output=$(bash -c "$command" 2>&1) || true
     if [ -n "$output" ]; then
         while IFS= read -r line; do
+            # What the shell says where the locale is not installed, which the program does without.
+            [[ $line == *': warning: setlocale:'* ]] && continue
             found+=("${line//$home\/checkout//home/me/vlfolio}")
         done <<<"$output"
     fi
