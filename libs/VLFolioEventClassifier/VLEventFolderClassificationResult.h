@@ -46,8 +46,8 @@ public:
     /// True when the types are the same number and QFileInfo's `operator==` says that the
     /// directories are the same, which may have to look at the file system. So two directories
     /// that do not exist are the same, and two default-constructed results are different unless
-    /// one is a copy of the other. Occasions do not count. The file system is looked at anew each
-    /// time: what was found out once is not kept.
+    /// one is a copy of the other. Occasions do not count. For absolute paths the file system is
+    /// looked at anew each time: what was found out once is not kept.
     [[nodiscard]] bool operator==(const VLEventFolderClassificationResult& other) const;
 
     /// The directory. It shares its data with the one in this object and in copies of it, and Qt
