@@ -76,7 +76,9 @@ QString decoded(QByteArrayView name)
 // Decoding replaces what is not UTF-8, so that the way back does not lead to the same bytes.
 bool isUndecodable(const char* name, const QString& decoded)
 {
-    return decoded.contains(QChar::ReplacementCharacter) && decoded.toUtf8() != name;
+    if (!decoded.contains(QChar::ReplacementCharacter))
+        return false;
+    return decoded.toUtf8() != name;
 }
 
 } // namespace

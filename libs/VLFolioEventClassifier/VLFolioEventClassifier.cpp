@@ -113,7 +113,8 @@ int numbersIn(const QString& format)
     for (qsizetype i = 0; i < parts.size(); i += 2)
         fields += parts.at(i) + u' ';
     const auto isNumber = [&fields](QChar letter) {
-        return fields.contains(letter) && !fields.contains(QString(3, letter));
+        const QString nameOfMonthOrDay(3, letter);
+        return fields.contains(letter) && !fields.contains(nameOfMonthOrDay);
     };
     return int(fields.contains(u'y')) + int(isNumber(u'M')) + int(isNumber(u'd'));
 }
@@ -433,8 +434,9 @@ bool VLFolioEventClassifier::matchesYear(const QString& name) const
 {
     static const QRegularExpression expression = compiled(uR"(2\d{3})"_s);
     // Most names have no such digit, and even a failing search costs more than this look.
-    return name.contains(u'2')
-        && isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
+    if (!name.contains(u'2'))
+        return false;
+    return isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
                                     QRegularExpression::NoMatchOption),
                    name);
 }
