@@ -22,8 +22,10 @@
 /// The report is a diagnostic for people who know the tree: names enter it as they are, without
 /// HTML escapes. The write operations go to the stream they are given and can be used one by one.
 ///
-/// Threads: an object belongs to one thread at a time. Directories are listed by
-/// VLPlatformIndependent::instance().
+/// Threads: an object belongs to one thread at a time, and copies of a walk's results may be in
+/// several such objects. So may those of other results whose directories were asked for their
+/// absolute paths before: QFileInfo keeps them, but finds them out without a lock. Directories are
+/// listed by VLPlatformIndependent::instance().
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLClassificationResultsRendererHTML
 {
 public:
