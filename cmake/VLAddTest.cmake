@@ -8,6 +8,8 @@ function(vl_add_test name)
     set(target tst_${name})
     add_executable(${target} ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)
+    # A test is compiled for longer than it runs. The libraries in it are optimized as ever.
+    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
     target_link_libraries(${target} PRIVATE
         VLProjectOptions
         VLTestSupport
@@ -18,8 +20,8 @@ function(vl_add_test name)
     if(TARGET VLQtLocksForTsan)
         target_link_libraries(${target} PRIVATE VLQtLocksForTsan)
     endif()
-    if(VL_PRECOMPILE_QT AND NOT arg_LIBRARIES)
-        vl_precompile_qt(${target})
+    if(NOT arg_LIBRARIES)
+        vl_precompile_qt(${target} VL_FIRST_TEST)
     endif()
     if(NOT arg_LOCALES)
         vl_add_test_entry(${name} ${target} C.UTF-8)
@@ -29,10 +31,10 @@ function(vl_add_test name)
     endforeach()
 endfunction()
 
-# Most of a test's time in the compiler goes into Qt's headers. A directory that sets VL_PRECOMPILE_QT
-# has them compiled once for all its tests without libraries or definitions of their own.
-function(vl_precompile_qt target)
-    get_property(first DIRECTORY PROPERTY VL_FIRST_PRECOMPILED)
+# Most of a test's time in the compiler goes into Qt's headers. They are compiled once for all targets
+# that name the same property, and are compiled with the same flags and definitions.
+function(vl_precompile_qt target property)
+    get_property(first GLOBAL PROPERTY ${property})
     if(first)
         target_precompile_headers(${target} REUSE_FROM ${first})
         return()
@@ -47,7 +49,7 @@ function(vl_precompile_qt target)
         <QtTest/QTest>
         <thread>
     )
-    set_property(DIRECTORY PROPERTY VL_FIRST_PRECOMPILED ${target})
+    set_property(GLOBAL PROPERTY ${property} ${target})
 endfunction()
 
 function(vl_add_test_entry entry target locale)
