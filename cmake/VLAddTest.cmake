@@ -17,8 +17,8 @@ function(vl_add_test name)
         Qt6::Test
         ${arg_LIBRARIES}
     )
-    if(TARGET VLQtLocksForTsan)
-        target_link_libraries(${target} PRIVATE VLQtLocksForTsan)
+    if(TARGET VLQtForTsan)
+        target_link_libraries(${target} PRIVATE VLQtForTsan)
     endif()
     if(NOT arg_LIBRARIES)
         vl_precompile_qt(${target} VL_FIRST_TEST)
