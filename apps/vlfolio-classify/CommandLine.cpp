@@ -70,6 +70,30 @@ std::optional<QLocale> localeNamed(const QString& name)
     return known ? std::optional(locale) : std::nullopt;
 }
 
+// The argument that holds the option, as it was typed, without a value.
+QString typedOption(const QStringList& arguments, const QString& name)
+{
+    for (const QString& argument : arguments) {
+        QString option = argument.section(u'=', 0, 0);
+        const bool isLong = option.startsWith(u"--"_s);
+        if (isLong ? option.sliced(2) == name : option.startsWith(u'-') && option.contains(name))
+            return option;
+    }
+    return name;
+}
+
+// What the parser has found wrong, in the words of the other messages.
+QString parserError(const QCommandLineParser& parser, const QStringList& arguments)
+{
+    const QStringList unknown = parser.unknownOptionNames();
+    if (!unknown.isEmpty())
+        return u"unknown option '%1'"_s.arg(typedOption(arguments, unknown.constFirst()));
+    QString text = parser.errorText();
+    if (text.endsWith(u'.'))
+        text.chop(1);
+    return text.at(0).toLower() + text.sliced(1);
+}
+
 // Sets the action, or says that two were asked for.
 QString readAction(const QCommandLineParser& parser, CommandLine& commandLine)
 {
@@ -144,9 +168,7 @@ std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QStr
     QCommandLineParser parser;
     addOptions(parser);
     if (!parser.parse(arguments)) {
-        *error = parser.errorText();
-        if (error->endsWith(u'.'))
-            error->chop(1);
+        *error = parserError(parser, arguments);
         return std::nullopt;
     }
 

@@ -813,19 +813,27 @@ void tst_vlfolio_classify::wrongUsage_data()
     QTest::newRow("explain_without_name")
         << QStringList { u"--explain"_s } << u"--explain needs a folder name"_s;
     QTest::newRow("unknown_option")
-        << QStringList { u"--nope"_s, pics } << u"Unknown option 'nope'"_s;
+        << QStringList { u"--nope"_s, pics } << u"unknown option '--nope'"_s;
+    QTest::newRow("unknown_option_with_value")
+        << QStringList { u"--nope=3"_s, pics } << u"unknown option '--nope'"_s;
+    QTest::newRow("first_of_two_unknown_options")
+        << QStringList { u"--no"_s, u"--nope"_s, pics } << u"unknown option '--no'"_s;
     QTest::newRow("unknown_short_option")
-        << QStringList { u"-x"_s, pics } << u"Unknown option 'x'"_s;
+        << QStringList { u"-x"_s, pics } << u"unknown option '-x'"_s;
+    QTest::newRow("one_dash_before_a_long_name")
+        << QStringList { u"-list"_s, pics } << u"unknown option '-list'"_s;
+    QTest::newRow("unknown_option_behind_its_letter")
+        << QStringList { u"x"_s, u"--explain"_s, u"-x"_s } << u"unknown option '-x'"_s;
     QTest::newRow("unknown_option_beside_help")
-        << QStringList { u"--help"_s, u"--nope"_s } << u"Unknown option 'nope'"_s;
+        << QStringList { u"--help"_s, u"--nope"_s } << u"unknown option '--nope'"_s;
     QTest::newRow("control_character_is_escaped")
-        << QStringList { u"--a\033b"_s, pics } << u"Unknown option 'a\\u001bb'"_s;
+        << QStringList { u"--a\033b"_s, pics } << u"unknown option '--a\\u001bb'"_s;
     QTest::newRow("missing_type") << QStringList { pics, u"--list"_s, u"--type"_s }
-                                  << u"Missing value after '--type'"_s;
+                                  << u"missing value after '--type'"_s;
     QTest::newRow("missing_locale")
-        << QStringList { pics, u"--locale"_s } << u"Missing value after '--locale'"_s;
+        << QStringList { pics, u"--locale"_s } << u"missing value after '--locale'"_s;
     QTest::newRow("value_too_many")
-        << QStringList { u"--list=3"_s, pics } << u"Unexpected value after '--list'"_s;
+        << QStringList { u"--list=3"_s, pics } << u"unexpected value after '--list'"_s;
     QTest::newRow("unknown_type") << QStringList { u"--list"_s, u"--type"_s, u"Week"_s, pics }
                                   << u"unknown type 'Week'"_s;
     QTest::newRow("part_of_a_type") << QStringList { u"--list"_s, u"--type"_s, u"Project"_s, pics }
