@@ -156,8 +156,10 @@ QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
         return commandLine.operands.isEmpty() ? u"--explain needs a folder name"_s : QString();
     if (commandLine.operands.isEmpty() || commandLine.operands.constFirst().isEmpty())
         return u"no directory given"_s;
-    if (commandLine.operands.size() > 1)
-        return u"more than one directory given: '%1'"_s.arg(commandLine.operands.at(1));
+    if (commandLine.operands.size() > 1) {
+        return u"more than one directory given: '%1'; a path with blanks needs quotes"_s.arg(
+            commandLine.operands.at(1));
+    }
     return {};
 }
 
