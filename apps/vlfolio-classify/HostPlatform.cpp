@@ -94,15 +94,14 @@ void HostPlatform::tellOmissions() const
 
 void HostPlatform::openReport()
 {
-    const bool always = m_opening == CommandLine::Opening::Always;
+    const bool byDefault = m_opening == CommandLine::Opening::Desktop;
     if (m_markupCount > 0) {
         const QString found = m_markupCount == 1
             ? u"1 folder name holds markup that a browser would run"_s
             : u"%1 folder names hold markup that a browser would run"_s.arg(m_markupCount);
-        Terminal::complain(always ? found : found + u"; only --open opens the report"_s);
+        Terminal::complain(byDefault ? found + u"; only --open opens the report"_s : found);
     }
-    const bool trusted =
-        m_opening == CommandLine::Opening::Desktop && hasDesktop() && m_markupCount == 0;
-    if (always || trusted)
+    const bool trusted = byDefault && hasDesktop() && m_markupCount == 0;
+    if (trusted || m_opening == CommandLine::Opening::Always)
         VLPlatformIndependent::openFile(m_reportPath, {}, {});
 }
