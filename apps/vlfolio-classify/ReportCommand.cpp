@@ -37,13 +37,16 @@ void classify(const QString& rootPath, const HostPlatform& platform)
 }
 
 // A link or a pipe under the report's name must go: what is written would end up elsewhere, or wait
-// for a reader for ever. Returns what keeps it there, or an empty string.
+// for a reader for ever. A directory is the user's to move. Returns what stays there and why, or an
+// empty string.
 QString removeObstacle(const QString& reportPath)
 {
     const QByteArray name = QFile::encodeName(reportPath);
     struct stat status = {};
-    if (lstat(name.constData(), &status) != 0 || S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))
+    if (lstat(name.constData(), &status) != 0 || S_ISREG(status.st_mode))
         return {};
+    if (S_ISDIR(status.st_mode))
+        return u"a directory has that name; rename or remove it"_s;
     const bool isGone = unlink(name.constData()) == 0;
     return isGone ? QString()
                   : Terminal::errorText(errno) + u"; what has that name is no file and stays"_s;
