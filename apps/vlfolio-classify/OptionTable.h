@@ -31,7 +31,7 @@ inline constexpr std::array optionTable {
                 "Write no report; print how many folders of each type there are."_L1 },
     OptionRow { "type"_L1, "NAME"_L1, "Unknown Root Year Month Day Event ProjectFolder"_L1,
                 "With --list, --json or --summary: only folders of this type (Unknown, Root, Year, "
-                "Month, Day, Event or ProjectFolder)."_L1 },
+                "Month, Day, Event or ProjectFolder, in any letter case)."_L1 },
     OptionRow { "explain"_L1, ""_L1, ""_L1,
                 "Take the arguments as folder names and say what each one is by itself. Touches no "
                 "file."_L1 },

@@ -170,7 +170,8 @@ Options:
   --summary        Write no report; print how many folders of each type there
                    are.
   --type <NAME>    With --list, --json or --summary: only folders of this type
-                   (Unknown, Root, Year, Month, Day, Event or ProjectFolder).
+                   (Unknown, Root, Year, Month, Day, Event or ProjectFolder, in
+                   any letter case).
   --explain        Take the arguments as folder names and say what each one is
                    by itself. Touches no file.
   --locale <NAME>  Read dates and names of days and months in this language,
