@@ -18,7 +18,6 @@
 #include <array>
 #include <cstdlib>
 #include <optional>
-#include <string>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -42,14 +41,6 @@ QString nameOf(const VLEventFolderType& type)
     return type.enumToStringTable()->nameFor(type.value());
 }
 
-std::string progressText(const HostPlatform& platform)
-{
-    const int folders = platform.folderCount();
-    if (folders == 0)
-        return "Walking the folders ...";
-    return "Reading folder " + std::to_string(folders);
-}
-
 // A folder of the outcome, and what was seen in it.
 struct Folder
 {
@@ -68,7 +59,7 @@ Folder lookedInto(const VLEventFolderClassificationResult& result, const HostPla
 
 QList<Folder> classified(const QString& rootPath, const HostPlatform& platform)
 {
-    const Progress progress([&platform] { return progressText(platform); });
+    const Progress progress(platform, "Reading");
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
     const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());

@@ -1,11 +1,11 @@
 #include "Progress.h"
 
+#include "HostPlatform.h"
 #include "Terminal.h"
 
 #include <chrono>
 #include <cstdio>
 #include <system_error>
-#include <utility>
 
 using namespace std::chrono_literals;
 
@@ -17,8 +17,9 @@ constexpr auto clearLine = "\r\033[K";
 
 } // namespace
 
-Progress::Progress(std::function<std::string()> text)
-    : m_text(std::move(text))
+Progress::Progress(const HostPlatform& platform, const char* step)
+    : m_platform(platform)
+    , m_step(step)
 {
     if (!Terminal::canWriteOverErrorLine())
         return;
@@ -41,6 +42,17 @@ Progress::~Progress()
     m_thread.join();
 }
 
+// Takes no memory: there may be none left, and nobody catches what this thread throws.
+void Progress::show() const
+{
+    const int folders = m_platform.folderCount();
+    if (folders == 0)
+        std::fprintf(stderr, "%sWalking the folders ...", clearLine);
+    else
+        std::fprintf(stderr, "%s%s folder %d", clearLine, m_step, folders);
+    std::fflush(stderr);
+}
+
 void Progress::run()
 {
     std::unique_lock lock(m_mutex);
@@ -48,8 +60,7 @@ void Progress::run()
     if (m_wake.wait_for(lock, firstDelay, isDone))
         return;
     do {
-        std::fputs((clearLine + m_text()).c_str(), stderr);
-        std::fflush(stderr);
+        show();
     } while (!m_wake.wait_for(lock, interval, isDone));
     std::fputs(clearLine, stderr);
     std::fflush(stderr);

@@ -13,7 +13,6 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <string>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -22,17 +21,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-std::string progressText(const HostPlatform& platform)
-{
-    const int folders = platform.folderCount();
-    if (folders == 0)
-        return "Walking the folders ...";
-    return "Writing the report: folder " + std::to_string(folders);
-}
-
 void classify(const QString& rootPath, const HostPlatform& platform)
 {
-    const Progress progress([&platform] { return progressText(platform); });
+    const Progress progress(platform, "Writing the report:");
     VLFolioEventClassifier(QFileInfo(rootPath)).start();
 }
 

@@ -279,6 +279,7 @@ private Q_SLOTS:
     void shortRunIsSilentOnTerminal();
     void longRunShowsProgress();
     void progressIsNotNeeded();
+    void progressTakesNoMemory();
     void longRunIsSilentOffTerminal();
     void longRunIsSilentWhereLinesStay_data();
     void longRunIsSilentWhereLinesStay();
@@ -1416,6 +1417,29 @@ void tst_vlfolio_classify::progressIsNotNeeded()
     if (outcome.exitCode == HostProgram::setUpFailed)
         QSKIP("Memory cannot be limited here");
     QCOMPARE(outcome.terminal, QByteArray());
+    QCOMPARE(outcome.output, picturesList);
+    QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify::progressTakesNoMemory()
+{
+    if (underSanitizer)
+        QSKIP("A sanitizer gives memory of its own");
+    const PictureTree tree;
+    tree.addPictures();
+    Environment environment = slowListings(100);
+    environment[u"LD_PRELOAD"_s] += u':' + QStringLiteral(VLFOLIO_ONE_THREADS_MEMORY);
+
+    const auto outcome = program({ u"--list"_s, tree.path(u"pics"_s) })
+                             .error(Stream::Terminal)
+                             .with(environment)
+                             .run();
+
+    static const QRegularExpression progress(
+        uR"(\A(\r\x1b\[KWalking the folders \.\.\.)+)"
+        R"((\r\x1b\[KReading folder (\d|1[012]))+\r\x1b\[K\z)"_s);
+    QVERIFY2(progress.match(QString::fromUtf8(outcome.terminal)).hasMatch(),
+             outcome.terminal.toPercentEncoding().constData());
     QCOMPARE(outcome.output, picturesList);
     QCOMPARE(outcome.exitCode, 0);
 }
