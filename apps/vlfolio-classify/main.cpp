@@ -111,11 +111,8 @@ void dropLocaleWarning(QtMsgType type, const QMessageLogContext& context, const 
         previousHandler(type, context, message);
 }
 
-} // namespace
-
-int main(int argc, char* argv[])
+int runProgram(int argc, char* argv[])
 {
-    Terminal::occupyClosedStreams();
     previousHandler = qInstallMessageHandler(dropLocaleWarning);
     const QCoreApplication application(argc, argv);
     qInstallMessageHandler(previousHandler);
@@ -128,8 +125,16 @@ int main(int argc, char* argv[])
         Terminal::complain(error + u". Try 'vlfolio-classify --help'."_s);
         return wrongUsage;
     }
+    return run(*commandLine);
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    Terminal::occupyClosedStreams();
     try {
-        return run(*commandLine);
+        return runProgram(argc, argv);
     } catch (const std::bad_alloc&) {
         // What makes the other messages needs memory.
         std::fputs("vlfolio-classify: out of memory\n", stderr);

@@ -280,6 +280,7 @@ private Q_SLOTS:
     void longRunShowsProgress();
     void progressIsNotNeeded();
     void progressTakesNoMemory();
+    void argumentsNeedMemory();
     void longRunIsSilentOffTerminal();
     void longRunIsSilentWhereLinesStay_data();
     void longRunIsSilentWhereLinesStay();
@@ -1442,6 +1443,24 @@ void tst_vlfolio_classify::progressTakesNoMemory()
              outcome.terminal.toPercentEncoding().constData());
     QCOMPARE(outcome.output, picturesList);
     QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify::argumentsNeedMemory()
+{
+    if (underSanitizer)
+        QSKIP("A sanitizer takes memory of its own");
+    // More than the program may take once it has begun.
+    const QStringList names(10, QString(100'000, u'x'));
+
+    const auto outcome = program(QStringList { u"--explain"_s } + names)
+                             .before([] { ChildSteps::limitMemory(2UL * 1024 * 1024); })
+                             .run();
+
+    if (outcome.exitCode == HostProgram::setUpFailed)
+        QSKIP("Memory cannot be limited here");
+    QCOMPARE(outcome.error, QByteArray("vlfolio-classify: out of memory\n"));
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.exitCode, 1);
 }
 
 void tst_vlfolio_classify::longRunIsSilentOffTerminal()
