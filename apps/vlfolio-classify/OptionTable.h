@@ -14,7 +14,9 @@ struct OptionRow
     QLatin1StringView names;
     /// What the value is called; empty for an option without one.
     QLatin1StringView valueName;
-    /// What is offered for the value, parted by blanks; empty for the locales of the system.
+    /// What is offered for the value, parted by blanks; empty for the locales of the system. Some
+    /// of rare languages are among these that Qt does not know and the program refuses: where all
+    /// are installed, asking it about each would keep who types waiting for seconds.
     QLatin1StringView values;
     /// What it does, in whole sentences.
     QLatin1StringView description;
