@@ -35,8 +35,9 @@ void addOptions(QCommandLineParser& parser)
             QCommandLineOption(QString(row.names).split(u' '), row.description, row.valueName));
     }
     parser.setApplicationDescription(
-        u"Classifies the folders of a picture collection into years, months, days, events and\n"
-        "project folders, and writes the outcome as an HTML table into DIRECTORY."_s);
+        u"Classifies the folders of a picture collection into years, months, days, events\n"
+        "and project folders, writes the outcome as an HTML table into DIRECTORY, and\n"
+        "opens it if there is a desktop."_s);
 }
 
 std::optional<VLEventFolderType> typeNamed(const QString& name)

@@ -158,8 +158,9 @@ constexpr auto picturesJson =
 constexpr auto helpText = R"(Usage: vlfolio-classify [options] DIRECTORY
        vlfolio-classify [--locale NAME] --explain NAME...
 
-Classifies the folders of a picture collection into years, months, days, events and
-project folders, and writes the outcome as an HTML table into DIRECTORY.
+Classifies the folders of a picture collection into years, months, days, events
+and project folders, writes the outcome as an HTML table into DIRECTORY, and
+opens it if there is a desktop.
 
 Options:
   --open           Open the report even without a desktop or with markup in it.
