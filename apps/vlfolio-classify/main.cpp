@@ -74,10 +74,13 @@ QString directoryProblem(const QString& path)
 
 int runOnDirectory(const CommandLine& commandLine)
 {
-    const QString rootPath = rootPathOf(commandLine.operands.constFirst());
+    const QString& given = commandLine.operands.constFirst();
+    const QString rootPath = rootPathOf(given);
     const QString problem = directoryProblem(rootPath);
     if (!problem.isEmpty()) {
-        Terminal::complain(u"cannot classify %1: %2"_s.arg(rootPath, problem));
+        // A working directory that was removed has no path.
+        Terminal::complain(
+            u"cannot classify %1: %2"_s.arg(rootPath.isEmpty() ? given : rootPath, problem));
         return EXIT_FAILURE;
     }
     return commandLine.action == CommandLine::Action::Report

@@ -255,6 +255,7 @@ private Q_SLOTS:
     void wrongUsage();
     void directoryProblem_data();
     void directoryProblem();
+    void workingDirectoryIsRemoved();
     void directoryNameIsNotUtf8();
     void directoryFails_data();
     void directoryFails();
@@ -938,6 +939,22 @@ void tst_vlfolio_classify::directoryProblem()
         QCOMPARE(outcome.output, QByteArray());
         QCOMPARE(outcome.exitCode, 1);
     }
+}
+
+void tst_vlfolio_classify::workingDirectoryIsRemoved()
+{
+    const PictureTree tree;
+    tree.addFolder(u"gone"_s);
+    const QByteArray gone = tree.path(u"gone"_s).toUtf8();
+
+    const auto outcome = program({ u"."_s })
+                             .in(tree.path(u"gone"_s))
+                             .before([&] { ::rmdir(gone.constData()); })
+                             .run();
+
+    QCOMPARE(outcome.error, failure(u"cannot classify .: it does not exist"_s));
+    QCOMPARE(outcome.output, QByteArray());
+    QCOMPARE(outcome.exitCode, 1);
 }
 
 void tst_vlfolio_classify::directoryNameIsNotUtf8()
