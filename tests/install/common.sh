@@ -48,3 +48,14 @@ libraries_of() {
 build_type_left_out() {
     sed 's/Targets-[a-z]*\.cmake/Targets-BUILDTYPE.cmake/'
 }
+
+# contents: prints the files that there must be, each behind the name of its package.
+contents() {
+    sed "s|LIBDIR|$LIBDIR|" "$here/contents.txt" | sort
+}
+
+# expect_all_files WHAT DIRECTORY: fails unless DIRECTORY holds just the files of every package.
+expect_all_files() {
+    expect "what $1 holds" "$(contents | sed 's/^[^ ]* //' | sort)" \
+        "$(cd "$2" && find . ! -type d | sed 's|^\./||' | build_type_left_out | sort)"
+}

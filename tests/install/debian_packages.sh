@@ -17,7 +17,7 @@ for package in "$packages"/*.deb; do
     dpkg-deb --fsys-tarfile "$package" | tar -t | sed -n "s|^\./usr/\(.*[^/]\)$|$name \1|p"
     dpkg-deb --extract "$package" "$root"
 done | build_type_left_out | sort >"$packages/contents"
-diff "$here/contents.txt" "$packages/contents" >&2 || fail "the packages hold other files (>)"
+diff <(contents) "$packages/contents" >&2 || fail "the packages hold other files (>)"
 
 # depends_on PACKAGE DEPENDENCY...: fails unless the package depends on all of them.
 depends_on() {
@@ -37,11 +37,12 @@ soname() {
     readelf --dynamic "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p'
 }
 
+libraries=$root/usr/$LIBDIR
 for library in VLCore VLFolioEventClassifier; do
-    expect "the name of lib$library" "lib$library.so.1" "$(soname "$root/usr/lib/lib$library.so")"
+    expect "the name of lib$library" "lib$library.so.1" "$(soname "$libraries/lib$library.so")"
     for link in .so .so.1; do
-        expect "what lib$library$link leads to" "$root/usr/lib/lib$library.so.1.0.0" \
-            "$(realpath "$root/usr/lib/lib$library$link")"
+        expect "what lib$library$link leads to" "$libraries/lib$library.so.1.0.0" \
+            "$(realpath "$libraries/lib$library$link")"
     done
 done
 
