@@ -28,6 +28,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev (>= 6.4)")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME "vlfolio-classify")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
+set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_LIST_DIR}/VLPackagesByKind.cmake")
 
 include(CPack)
 cpack_add_component(Runtime DISPLAY_NAME "Shared libraries")
