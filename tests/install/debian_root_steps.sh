@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# What debian_root.sh does within the Debian. The packages are in /srv/packages.
+. "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+apt_get() {
+    quietly apt-get -q -y --no-install-recommends "$@"
+}
+
+# What a bash with completions has loaded for the program.
+bash_completion() {
+    bash --norc -c '. /usr/share/bash-completion/bash_completion
+        loader=$(complete -p -D | sed "s/.*-F \([^ ]*\).*/\1/")
+        "$loader" vlfolio-classify
+        complete -p vlfolio-classify'
+}
+
+cd /srv
+mkdir -p work "collection/2019/2019-07-14 Beach"
+apt_get update
+
+apt_get install ./packages/vlfolio-classify_*.deb ./packages/libvlfolioeventclassifier1_*.deb
+expect "what the program prints" "Year <= Summer 2019 (tests met: year)" \
+    "$(vlfolio-classify --explain "Summer 2019")"
+expect "where the report is" /srv/collection/vela.classification.results.html \
+    "$(vlfolio-classify --no-open collection)"
+expect "how many rows of a day the report has" 1 \
+    "$(grep -c "2019-07-14 Beach" collection/vela.classification.results.html)"
+
+apt_get install bash-completion fish man-db zsh
+expect "the man page" /usr/share/man/man1/vlfolio-classify.1 "$(man --where vlfolio-classify)"
+expect "what bash completes with" \
+    "complete -o dirnames -F _vlfolio_classify vlfolio-classify" "$(bash_completion)"
+expect "what zsh completes with" _vlfolio-classify \
+    "$(zsh -f -c 'autoload -U compinit; compinit -D; echo $_comps[vlfolio-classify]')"
+expect "what fish completes with" --summary \
+    "$(fish -c 'complete -C "vlfolio-classify --su"' | cut -f 1)"
+
+apt_get install ./packages/libvlfolioeventclassifier-dev_*.deb cmake g++ ninja-build pkg-config
+build_consumer found
+read -ra flags <<<"$(pkg-config --cflags --libs VLFolioEventClassifier)"
+compile_consumer linked "${flags[@]}"
+
+apt_get purge vlfolio-classify libvlfolioeventclassifier-dev libvlfolioeventclassifier1
+expect "what is left of the packages" "" \
+    "$(find /usr /etc /var -ipath '*vlcore*' -o -ipath '*vlfolio*')"
