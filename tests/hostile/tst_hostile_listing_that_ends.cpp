@@ -18,12 +18,12 @@ int askedForTheVersion = 0;
 
 } // namespace
 
-// The program comes first when the libraries look for a function: to them this Qt is a version
-// whose listing ends at a name that it cannot decode, whatever the installed one does.
+// The program comes first when the libraries look for a function: to them this Qt is the first
+// version whose listing ends at a name that it cannot decode, whatever the installed one does.
 QVersionNumber QLibraryInfo::version() noexcept
 {
     ++askedForTheVersion;
-    return { 6, 8, 2 };
+    return { 6, 5 };
 }
 
 class tst_hostile_listing_that_ends : public QObject
@@ -65,6 +65,11 @@ void tst_hostile_listing_that_ends::walk_data()
         << QStringList { u" Root"_s,          u"/2019 Year"_s,
                          u"/2019/07 Month"_s, u"/2019/07/Beach Event"_s,
                          u"/2019/z Event"_s,  u"/link Unknown"_s,
+                         u"/pipe Unknown"_s };
+    QTest::newRow("paths_that_end_in_neighbours_of_the_slash")
+        << QByteArrayList { "a.", "a./\xff", "a./b", "a0", "a0/\xff", "a0/b" }
+        << QStringList { u" Root"_s,        u"/a. Unknown"_s,   u"/a./b Unknown"_s,
+                         u"/a0 Unknown"_s,  u"/a0/b Unknown"_s, u"/link Unknown"_s,
                          u"/pipe Unknown"_s };
     QTest::newRow("names_like_paths_of_resources")
         << QByteArrayList { "\xff", ":2019", ":2019/:" }

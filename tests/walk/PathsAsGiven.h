@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QtCore/QDir>
 #include <QtCore/QString>
 #include <QtCore/private/qabstractfileengine_p.h>
 #include <QtCore/private/qfsfileengine_p.h>
@@ -7,7 +8,8 @@
 #include <functional>
 #include <utility>
 
-/// Presents the relative paths that begin with a prefix, in any case, as if they were absolute.
+/// Presents the relative paths that begin with a prefix, in any case, as if they were absolute,
+/// without "." and ".." as absolute paths are.
 /// Paths that differ only in case are the same file to it. For the rest they are files of the
 /// working directory. Works for as long as it lives.
 class PathsAsGiven : public QAbstractFileEngineHandler
@@ -57,7 +59,7 @@ private:
                 return QFSFileEngine::fileName(name);
             if (m_notify)
                 m_notify(path);
-            return path;
+            return QDir::cleanPath(path);
         }
 
     private:

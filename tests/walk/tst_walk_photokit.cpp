@@ -23,6 +23,7 @@ private Q_SLOTS:
     void equalityIsThatOfTheEngine();
     void prefixIsCaseSensitive();
     void prefixIsThatOfTheAbsolutePath();
+    void eventHasThePathAsGiven();
     void eventStaysEventBelow_data();
     void eventStaysEventBelow();
 };
@@ -121,6 +122,16 @@ void tst_walk_photokit::prefixIsThatOfTheAbsolutePath()
     const QStringList expected { u"/photokit Unknown"_s, u"/photokit/2019 Year"_s };
     QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(u"photokit"_s), Result()), tree.root()),
              expected);
+}
+
+void tst_walk_photokit::eventHasThePathAsGiven()
+{
+    const PathsAsGiven engine(u"photokit"_s);
+    const VLFolioEventClassifier classifier { QFileInfo(u"/"_s) };
+    const Result result = classifier.eventFolderType(QFileInfo(u"photokit/./2019"_s));
+    QCOMPARE(result.classification().value(), Type::Event);
+    QCOMPARE(result.directory().filePath(), u"photokit/./2019"_s);
+    QCOMPARE(result.directory().absoluteFilePath(), u"photokit/2019"_s);
 }
 
 void tst_walk_photokit::eventStaysEventBelow_data()
