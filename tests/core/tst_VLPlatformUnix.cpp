@@ -131,7 +131,8 @@ void tst_VLPlatformUnix::listing_of_a_missing_directory_is_empty()
 void tst_VLPlatformUnix::dangling_links_leave_the_listing_complete()
 {
     const QTemporaryDir directory;
-    for (const QChar name : u"abcdefgh"_s)
+    const QString names = u"abcdefgh"_s;
+    for (const QChar name : names)
         QVERIFY(QFile::link(u"gone"_s, directory.filePath(name)));
     for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
         const auto listing = VLPlatform::listing(directory.path(), wanted);

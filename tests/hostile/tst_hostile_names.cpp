@@ -282,7 +282,8 @@ void tst_hostile_names::undecodableNamesOnEveryLevel()
 {
     RawDirectory tree;
     QByteArray above;
-    for (const QByteArray name : { "2019", "07", "Beach", "2019-07-14" }) {
+    const QByteArrayList names { "2019", "07", "Beach", "2019-07-14" };
+    for (const QByteArray& name : names) {
         tree.folder(above + "\xff").folder(above + "a").folder(above + name);
         tree.folder(above + "\xfe").file(above + ".\xfe");
         above += name + '/';

@@ -41,25 +41,31 @@ VLEventFolderType type(qint32 number)
     return static_cast<Type>(number);
 }
 
-const QHash<QString, Type> keysOfTable {
-    { u"unknown"_s, Type::Unknown },
-    { u"root"_s, Type::Root },
-    { u"year"_s, Type::Year },
-    { u"month"_s, Type::Month },
-    { u"day"_s, Type::Day },
-    { u"event"_s, Type::Event },
-    { u"projectfolder"_s, Type::ProjectFolder },
-};
+QHash<QString, Type> keysOfTable()
+{
+    return {
+        { u"unknown"_s, Type::Unknown },
+        { u"root"_s, Type::Root },
+        { u"year"_s, Type::Year },
+        { u"month"_s, Type::Month },
+        { u"day"_s, Type::Day },
+        { u"event"_s, Type::Event },
+        { u"projectfolder"_s, Type::ProjectFolder },
+    };
+}
 
-const QHash<Type, QString> namesOfTable {
-    { Type::Unknown, u"Unknown"_s },
-    { Type::Root, u"Root"_s },
-    { Type::Year, u"Year"_s },
-    { Type::Month, u"Month"_s },
-    { Type::Day, u"Day"_s },
-    { Type::Event, u"Event"_s },
-    { Type::ProjectFolder, u"ProjectFolder"_s },
-};
+QHash<Type, QString> namesOfTable()
+{
+    return {
+        { Type::Unknown, u"Unknown"_s },
+        { Type::Root, u"Root"_s },
+        { Type::Year, u"Year"_s },
+        { Type::Month, u"Month"_s },
+        { Type::Day, u"Day"_s },
+        { Type::Event, u"Event"_s },
+        { Type::ProjectFolder, u"ProjectFolder"_s },
+    };
+}
 
 } // namespace
 
@@ -280,8 +286,8 @@ void tst_VLEventFolderType::value_of_a_name()
 void tst_VLEventFolderType::shared_table_holds_seven_names_both_ways()
 {
     const Table* const table = VLEventFolderType().enumToStringTable();
-    QCOMPARE(OpenTable::namesOf(*table), keysOfTable);
-    QCOMPARE(OpenTable::valuesOf(*table), namesOfTable);
+    QCOMPARE(OpenTable::namesOf(*table), keysOfTable());
+    QCOMPARE(OpenTable::valuesOf(*table), namesOfTable());
     QVERIFY(OpenTable::fallbackNameOf(*table).isNull());
     QCOMPARE(OpenTable::fallbackValueOf(*table), Type::Unknown);
 }
@@ -290,8 +296,8 @@ void tst_VLEventFolderType::fill_table_inserts_seven_names()
 {
     Table table;
     type(18).fillTable(&table);
-    QCOMPARE(OpenTable::namesOf(table), keysOfTable);
-    QCOMPARE(OpenTable::valuesOf(table), namesOfTable);
+    QCOMPARE(OpenTable::namesOf(table), keysOfTable());
+    QCOMPARE(OpenTable::valuesOf(table), namesOfTable());
 }
 
 void tst_VLEventFolderType::fill_table_keeps_what_a_value_was_called_before()
