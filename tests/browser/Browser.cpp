@@ -129,7 +129,7 @@ QJsonObject Browser::nextMessage()
         m_received += m_process.readAllStandardOutput();
     }
     const qsizetype end = m_received.indexOf('\0');
-    const QJsonObject message = QJsonDocument::fromJson(m_received.first(end)).object();
+    QJsonObject message = QJsonDocument::fromJson(m_received.first(end)).object();
     m_received.remove(0, end + 1);
     return message;
 }

@@ -56,9 +56,9 @@ namespace {
 struct Folder
 {
     QLatin1StringView path;
-    Type type;
-    const char* typeName;
-    const char* fileCount;
+    Type type = Type::Unknown;
+    const char* typeName = nullptr;
+    const char* fileCount = nullptr;
 };
 
 // Reaches every test of a name: in the language of the host, in that of the system, in the fixed

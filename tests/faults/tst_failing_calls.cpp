@@ -25,11 +25,11 @@ namespace {
 
 struct Error
 {
-    const char* name;
-    int number;
+    const char* name = nullptr;
+    int number = 0;
     QLatin1StringView text;
     /// What QFile makes of it when a file cannot be opened.
-    int openCode;
+    int openCode = 0;
 };
 
 constexpr std::array errors {

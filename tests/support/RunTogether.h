@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <thread>
 #include <vector>
 
@@ -12,6 +13,7 @@ void runTogether(int count, const Work& work)
     // Not QThread: the thread sanitizer sees how these are started and waited for.
     std::atomic<int> missing { count };
     std::vector<std::thread> threads;
+    threads.reserve(std::size_t(count));
     for (int number = 0; number < count; ++number) {
         threads.emplace_back([&missing, &work, number] {
             --missing;

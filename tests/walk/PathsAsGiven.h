@@ -52,7 +52,7 @@ private:
 
         QString fileName(FileName name) const override
         {
-            const QString path = QFSFileEngine::fileName(DefaultName);
+            QString path = QFSFileEngine::fileName(DefaultName);
             if (name == CanonicalName)
                 return path.toLower();
             if (name != AbsoluteName)
