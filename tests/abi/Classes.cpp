@@ -9,7 +9,7 @@
 template <typename T>
 void use(T* object)
 {
-    static_assert(sizeof(T) > 0);
+    static_assert(sizeof(T) > 0); // NOLINT(bugprone-sizeof-expression)
     delete object;
 }
 
