@@ -1,3 +1,4 @@
+#include "OriginalFunction.h"
 #include "RawDirectory.h"
 #include "TypeNames.h"
 
@@ -8,6 +9,8 @@
 #include <QtCore/QVersionNumber>
 #include <QtTest/QTest>
 
+#include <dirent.h>
+
 using namespace Qt::StringLiterals;
 
 using Result = VLEventFolderClassificationResult;
@@ -15,6 +18,18 @@ using Result = VLEventFolderClassificationResult;
 namespace {
 
 int askedForTheVersion = 0;
+
+bool holdsUndecodableName(const QString& path)
+{
+    DIR* const directory = opendir(QFile::encodeName(path).constData());
+    if (directory == nullptr)
+        return false;
+    bool holds = false;
+    while (const dirent* const entry = readdir(directory))
+        holds |= QString::fromUtf8(entry->d_name).toUtf8() != entry->d_name;
+    closedir(directory);
+    return holds;
+}
 
 } // namespace
 
@@ -24,6 +39,15 @@ QVersionNumber QLibraryInfo::version() noexcept
 {
     ++askedForTheVersion;
     return { 6, 5 };
+}
+
+// Such a listing may end before the first name.
+QFileInfoList QDir::entryInfoList(Filters filters, SortFlags sort) const
+{
+    using Function = QFileInfoList (*)(const QDir*, Filters, SortFlags);
+    static const auto function =
+        original<Function>("_ZNK4QDir13entryInfoListE6QFlagsINS_6FilterEES0_INS_8SortFlagEE");
+    return holdsUndecodableName(path()) ? QFileInfoList {} : function(this, filters, sort);
 }
 
 class tst_hostile_listing_that_ends : public QObject
