@@ -34,8 +34,9 @@ mode_t kindOf(int directory, const dirent& entry)
 
 // What a link leads to, or 0. Asked for by its whole path, as Qt does: the system refuses a path
 // with too many links, and would count anew from an open directory.
-mode_t kindOfTarget(const QByteArray& link)
+mode_t kindOfTarget(const QByteArray& directoryPath, const dirent& entry)
 {
+    const QByteArray link = directoryPath + '/' + entry.d_name;
     struct stat status = {};
     return ::stat(link.constData(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
@@ -46,7 +47,7 @@ bool isWanted(VLPlatform::Wanted wanted, int directory, const QByteArray& direct
 {
     const mode_t kind = kindOf(directory, entry);
     const bool isLink = kind == S_IFLNK;
-    const mode_t target = isLink ? kindOfTarget(directoryPath + '/' + entry.d_name) : kind;
+    const mode_t target = isLink ? kindOfTarget(directoryPath, entry) : kind;
     if (wanted == VLPlatform::Wanted::Files)
         return target == S_IFREG;
     // QDir takes every link for a directory that leads to something else than a file.

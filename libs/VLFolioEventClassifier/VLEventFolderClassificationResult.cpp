@@ -18,8 +18,9 @@ VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = defaul
 bool VLEventFolderClassificationResult::operator==(
     const VLEventFolderClassificationResult& other) const
 {
-    return m_classification == other.m_classification
-        && withOwnData(m_directory) == withOwnData(other.m_directory);
+    if (m_classification != other.m_classification)
+        return false;
+    return withOwnData(m_directory) == withOwnData(other.m_directory);
 }
 
 QFileInfo VLEventFolderClassificationResult::directory() const

@@ -277,13 +277,11 @@ bool listingEndsAtUndecodableName()
 QFileInfoList sortedEntries(const QDir& directory, QStringList names)
 {
     std::sort(names.begin(), names.end());
-    // Not joined by QDir, which takes a name such as ":name" for the path of a resource.
-    QString prefix = directory.path();
-    if (!prefix.endsWith(u'/'))
-        prefix += u'/';
     QFileInfoList entries;
+    // Not joined by QDir, which takes a name such as ":name" for the path of a resource. Cleaned
+    // for the root of the file system, whose path ends with a slash.
     for (const QString& name : std::as_const(names))
-        entries.append(QFileInfo(prefix + name));
+        entries.append(QFileInfo(QDir::cleanPath(directory.path() + u'/' + name)));
     return entries;
 }
 

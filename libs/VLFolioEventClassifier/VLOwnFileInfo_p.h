@@ -8,11 +8,4 @@
 ///
 /// A relative path keeps its data: it may have become absolute under another working directory. So
 /// does the path of a file engine, and an object without a path, which is equal only to its copies.
-inline QFileInfo withOwnData(const QFileInfo& info)
-{
-    if (!info.isNativePath())
-        return info;
-    QFileInfo own = info;
-    own.setCaching(info.caching());
-    return own.isAbsolute() ? own : info;
-}
+[[nodiscard]] QFileInfo withOwnData(const QFileInfo& info);

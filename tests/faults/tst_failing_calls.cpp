@@ -3,6 +3,7 @@
 #include "MessageRecorder.h"
 #include "RawDirectory.h"
 #include "RecordingPlatform.h"
+#include "UnprivilegedUser.h"
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
@@ -18,6 +19,8 @@
 #include <initializer_list>
 #include <limits>
 #include <new>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -174,6 +177,7 @@ private Q_SLOTS:
     void run();
     void fullDisk();
     void kindsThatAreNotTold();
+    void listingWithoutKindsOrRightsHasNoFiles();
     void listingOfNothingIsComplete();
     void listingWithoutMemory();
     void host_data()
@@ -333,6 +337,28 @@ void tst_failing_calls::kindsThatAreNotTold()
     QVERIFY(folders);
     folders->sort();
     QCOMPARE(*folders, (QStringList { u"folder"_s, u"to folder"_s, u"to pipe"_s }));
+}
+
+// Its names can be read, but nothing more be known of them.
+void tst_failing_calls::listingWithoutKindsOrRightsHasNoFiles()
+{
+    RawDirectory directory;
+    directory.file("file").folder("folder").link("to file", "file");
+    QVERIFY(directory.isValid());
+    const QByteArray path = directory.path().toUtf8();
+    QStringList files { u"not listed"_s };
+    QCOMPARE(chmod(path.constData(), 0444), 0);
+    vlArmFailingCall("kind", 1, std::numeric_limits<long>::max(), 0, path.constData());
+    {
+        const UnprivilegedUser user;
+        if (user.isActive()) {
+            const QDir asked(directory.path());
+            files = VLPlatformIndependent::instance()->getDirectFilesInDirectory(asked);
+        }
+    }
+    QVERIFY(vlDisarmFailingCall() != nullptr);
+    QCOMPARE(chmod(path.constData(), 0700), 0);
+    QCOMPARE(files, QStringList());
 }
 
 // A directory that is removed while it is read holds not even itself.

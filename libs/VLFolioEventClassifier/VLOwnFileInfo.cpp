@@ -1,0 +1,11 @@
+#include "VLOwnFileInfo_p.h"
+
+QFileInfo withOwnData(const QFileInfo& info)
+{
+    if (!info.isNativePath())
+        return info;
+    QFileInfo own = info;
+    // Setting what is set already detaches all the same.
+    own.setCaching(info.caching());
+    return own.isAbsolute() ? own : info;
+}
