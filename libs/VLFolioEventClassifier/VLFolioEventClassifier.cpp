@@ -267,7 +267,8 @@ struct Level
     QFileInfoList subdirectories;
 };
 
-// Up to Qt 6.4 a listing passes over a name that it cannot decode; later it ends there.
+// In Qt 6.4 a listing passes over a name that it cannot decode, in 6.8 it ends there. The versions
+// between them are taken to do so, too, which is right for either.
 bool listingEndsAtUndecodableName()
 {
     static const bool ends = QLibraryInfo::version() >= QVersionNumber(6, 5);

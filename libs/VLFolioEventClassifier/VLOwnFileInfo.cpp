@@ -1,6 +1,6 @@
 #include "VLOwnFileInfo_p.h"
 
-QFileInfo withOwnData(const QFileInfo& info)
+QFileInfo VLOwnFileInfo::withOwnData(const QFileInfo& info)
 {
     if (!info.isNativePath())
         return info;

@@ -2,6 +2,9 @@
 
 #include <QtCore/QFileInfo>
 
+// The name is plain, and a static library shows it to all that are linked with it.
+namespace VLOwnFileInfo {
+
 /// Returns \a info with data of its own. Copies of a QFileInfo share theirs, in which Qt caches,
 /// without a lock, what it finds out about the file: what is asked of it changes what other threads
 /// read. What was cached is not taken over.
@@ -9,3 +12,7 @@
 /// A relative path keeps its data: it may have become absolute under another working directory. So
 /// does the path of a file engine, and an object without a path, which is equal only to its copies.
 [[nodiscard]] QFileInfo withOwnData(const QFileInfo& info);
+
+} // namespace VLOwnFileInfo
+
+using VLOwnFileInfo::withOwnData;

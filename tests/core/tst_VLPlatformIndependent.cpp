@@ -1,5 +1,8 @@
 #include <MessageRecorder.h>
+#include <RawDirectory.h>
 #include <RunTogether.h>
+#include <UnprivilegedUser.h>
+#include <WorkingDirectory.h>
 
 #include <VLCore/VLPlatformIndependent.h>
 
@@ -219,6 +222,7 @@ private Q_SLOTS:
     void directory_that_cannot_be_read_is_told();
     void directories_beside_undecodable_names();
     void directories_without_undecodable_names_are_left_to_qt();
+    void working_directory_that_no_path_leads_to();
 
     void application_gets_the_file_data();
     void application_gets_the_file();
@@ -589,6 +593,30 @@ void tst_VLPlatformIndependent::directories_without_undecodable_names_are_left_t
     QVERIFY(!VLPlatformIndependent::directoriesBesideUndecodableNames(directory).has_value());
     const QDir missing(path(u"missing"_s));
     QVERIFY(!VLPlatformIndependent::directoriesBesideUndecodableNames(missing).has_value());
+}
+
+void tst_VLPlatformIndependent::working_directory_that_no_path_leads_to()
+{
+    RawDirectory tree;
+    tree.folder("closed").folder("closed/here").file("closed/here/file");
+    tree.folder("closed/here/\xff").folder("closed/here/2019");
+    if (!tree.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+    const QByteArray closed = tree.bytes("closed");
+    QCOMPARE(chmod(tree.bytes("closed/here").constData(), 0755), 0);
+    const WorkingDirectory here(QFile::decodeName(tree.bytes("closed/here")));
+    QVERIFY(here.isActive());
+    QCOMPARE(chmod(closed.constData(), 0000), 0);
+    const auto restore = qScopeGuard([&closed] { chmod(closed.constData(), 0700); });
+
+    const UnprivilegedUser user;
+    if (!user.isActive())
+        QSKIP("Needs a user without the superuser's rights");
+    const QDir asked(u"."_s);
+    QCOMPARE(VLPlatformIndependent::instance()->getDirectFilesInDirectory(asked),
+             QStringList { u"file"_s });
+    QCOMPARE(VLPlatformIndependent::directoriesBesideUndecodableNames(asked),
+             QStringList { u"2019"_s });
 }
 
 void tst_VLPlatformIndependent::application_gets_the_file_data()

@@ -349,15 +349,18 @@ void tst_failing_calls::listingWithoutKindsOrRightsHasNoFiles()
     QStringList files { u"not listed"_s };
     QCOMPARE(chmod(path.constData(), 0444), 0);
     vlArmFailingCall("kind", 1, std::numeric_limits<long>::max(), 0, path.constData());
+    bool isActive = false;
     {
         const UnprivilegedUser user;
-        if (user.isActive()) {
-            const QDir asked(directory.path());
-            files = VLPlatformIndependent::instance()->getDirectFilesInDirectory(asked);
-        }
+        const QDir asked(directory.path());
+        isActive = user.isActive();
+        files = VLPlatformIndependent::instance()->getDirectFilesInDirectory(asked);
     }
-    QVERIFY(vlDisarmFailingCall() != nullptr);
+    const char* const failed = vlDisarmFailingCall();
     QCOMPARE(chmod(path.constData(), 0700), 0);
+    if (!isActive)
+        QSKIP("Needs a user without the superuser's rights");
+    QVERIFY(failed != nullptr);
     QCOMPARE(files, QStringList());
 }
 

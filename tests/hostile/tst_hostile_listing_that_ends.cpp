@@ -9,7 +9,11 @@
 #include <QtCore/QVersionNumber>
 #include <QtTest/QTest>
 
+#include <cstdlib>
+
 #include <dirent.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -18,6 +22,7 @@ using Result = VLEventFolderClassificationResult;
 namespace {
 
 int askedForTheVersion = 0;
+int askedForEntries = 0;
 
 bool holdsUndecodableName(const QString& path)
 {
@@ -34,7 +39,7 @@ bool holdsUndecodableName(const QString& path)
 } // namespace
 
 // The program comes first when the libraries look for a function: to them this Qt is the first
-// version whose listing ends at a name that it cannot decode, whatever the installed one does.
+// version whose listing may end at a name that it cannot decode, whatever the installed one does.
 QVersionNumber QLibraryInfo::version() noexcept
 {
     ++askedForTheVersion;
@@ -44,6 +49,7 @@ QVersionNumber QLibraryInfo::version() noexcept
 // Such a listing may end before the first name.
 QFileInfoList QDir::entryInfoList(Filters filters, SortFlags sort) const
 {
+    ++askedForEntries;
     using Function = QFileInfoList (*)(const QDir*, Filters, SortFlags);
     static const auto function =
         original<Function>("_ZNK4QDir13entryInfoListE6QFlagsINS_6FilterEES0_INS_8SortFlagEE");
@@ -59,6 +65,7 @@ private Q_SLOTS:
     void walk_data();
     void walk();
     void circleEndsAtFortyLinks();
+    void rootOfTheFileSystem();
     void cleanupTestCase();
 };
 
@@ -90,7 +97,7 @@ void tst_hostile_listing_that_ends::walk_data()
                          u"/2019/07 Month"_s, u"/2019/07/Beach Event"_s,
                          u"/2019/z Event"_s,  u"/link Unknown"_s,
                          u"/pipe Unknown"_s };
-    QTest::newRow("paths_that_end_in_neighbours_of_the_slash")
+    QTest::newRow("paths_that_end_in_a_dot_or_a_digit")
         << QByteArrayList { "a.", "a./\xff", "a./b", "a0", "a0/\xff", "a0/b" }
         << QStringList { u" Root"_s,        u"/a. Unknown"_s,   u"/a./b Unknown"_s,
                          u"/a0 Unknown"_s,  u"/a0/b Unknown"_s, u"/link Unknown"_s,
@@ -149,10 +156,38 @@ void tst_hostile_listing_that_ends::circleEndsAtFortyLinks()
              tree.path() + u"/circle"_s.repeated(40));
 }
 
+// Its path ends with the slash that others lack.
+void tst_hostile_listing_that_ends::rootOfTheFileSystem()
+{
+    RawDirectory tree;
+    tree.folder("\xff").folder("2019");
+    if (!tree.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+
+    constexpr int noOtherRoot = 77;
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chroot(QFile::encodeName(tree.path()).constData()) != 0 || chdir("/") != 0)
+            _exit(noOtherRoot);
+        const QFileInfo root(u"/"_s);
+        const QList<Result> results = VLFolioEventClassifier(root).eventFolderTypes(root, Result());
+        const bool isRight =
+            results.size() == 2 && results.constLast().directory().filePath() == u"/2019"_s;
+        _exit(isRight ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == noOtherRoot)
+        QSKIP("Only the superuser can take another root");
+    QCOMPARE(WEXITSTATUS(status), EXIT_SUCCESS);
+}
+
 // Else nothing was tested here but what is tested elsewhere.
 void tst_hostile_listing_that_ends::cleanupTestCase()
 {
     QVERIFY(askedForTheVersion > 0);
+    QVERIFY(askedForEntries > 0);
 }
 
 QTEST_GUILESS_MAIN(tst_hostile_listing_that_ends)

@@ -132,6 +132,9 @@ private Q_SLOTS:
 
     void defaultConstructedRoot();
     void relativeRoot();
+    void relativeRootInAnotherPlace();
+    void folderAboveTheTargetOfALink_data();
+    void folderAboveTheTargetOfALink();
     void rootWithTrailingSlash();
     void rootThroughLink();
     void rootNamedLikeADate();
@@ -677,6 +680,44 @@ void tst_VLFolioEventClassifier_walk::relativeRoot()
     const QStringList expected { u" Root"_s, u"/2019 Year"_s, u"/2019/07 Month"_s,
                                  u"/Beach Unknown"_s };
     QCOMPARE(lines(walk(u"pics"_s), tree.root()), expected);
+}
+
+// One path is one directory to QFileInfo, wherever it leads to by now.
+void tst_VLFolioEventClassifier_walk::relativeRootInAnotherPlace()
+{
+    WalkTree tree;
+    tree.folders({ u"one/a"_s, u"one/b"_s, u"two/a"_s });
+    QVERIFY(tree.isValid());
+    const WorkingDirectory one(tree.path(u"one"_s));
+    QVERIFY(one.isActive());
+    const Classifier classifier { QFileInfo(u"a"_s) };
+    QCOMPARE(classifier.eventFolderType(QFileInfo(u"b"_s)).classification().value(), Type::Unknown);
+
+    const WorkingDirectory two(tree.path(u"two"_s));
+    QVERIFY(two.isActive());
+    QCOMPARE(classifier.eventFolderType(QFileInfo(u"a"_s)).classification().value(), Type::Root);
+}
+
+// The system follows a link before it goes up again. A path without ".." would lead elsewhere.
+void tst_VLFolioEventClassifier_walk::folderAboveTheTargetOfALink_data()
+{
+    QTest::addColumn<QString>("path");
+
+    QTest::newRow("folder") << u"link/../x"_s;
+    QTest::newRow("link_to_it") << u"link/../y"_s;
+}
+
+void tst_VLFolioEventClassifier_walk::folderAboveTheTargetOfALink()
+{
+    QFETCH(const QString, path);
+
+    WalkTree tree;
+    tree.folders({ u"other/sub"_s, u"other/x"_s, u"x"_s, u"y"_s });
+    tree.link(u"link"_s, tree.path(u"other/sub"_s)).link(u"other/y"_s, tree.path(u"other/x"_s));
+    QVERIFY(tree.isValid());
+    const Classifier classifier { QFileInfo(tree.path(u"other/x"_s)) };
+    QCOMPARE(classifier.eventFolderType(QFileInfo(tree.path(path))).classification().value(),
+             Type::Root);
 }
 
 // The slash stays in the root's path and does not double in those below.

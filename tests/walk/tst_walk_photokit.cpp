@@ -1,10 +1,14 @@
 #include "PathsAsGiven.h"
+#include "RawDirectory.h"
 #include "WalkTree.h"
 
+#include <VLCore/VLPlatformIndependent.h>
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
+
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -24,6 +28,7 @@ private Q_SLOTS:
     void prefixIsCaseSensitive();
     void prefixIsThatOfTheAbsolutePath();
     void eventHasThePathAsGiven();
+    void listingIsThatOfTheEngine();
     void eventStaysEventBelow_data();
     void eventStaysEventBelow();
 };
@@ -132,6 +137,23 @@ void tst_walk_photokit::eventHasThePathAsGiven()
     QCOMPARE(result.classification().value(), Type::Event);
     QCOMPARE(result.directory().filePath(), u"photokit/./2019"_s);
     QCOMPARE(result.directory().absoluteFilePath(), u"photokit/2019"_s);
+}
+
+// Where an engine presents something else than a directory that is there, too.
+void tst_walk_photokit::listingIsThatOfTheEngine()
+{
+    RawDirectory tree;
+    tree.folder("photokit").folder("photokit/\xff").folder("photokit/2019");
+    if (!tree.isValid())
+        QSKIP("This file system takes names in UTF-8 only");
+    const WorkingDirectory inside(tree.path());
+    QVERIFY(inside.isActive());
+    const QDir directory(u"photokit"_s);
+    QCOMPARE(VLPlatformIndependent::directoriesBesideUndecodableNames(directory),
+             QStringList { u"2019"_s });
+
+    const PathsAsGiven engine(u"photokit"_s);
+    QCOMPARE(VLPlatformIndependent::directoriesBesideUndecodableNames(directory), std::nullopt);
 }
 
 void tst_walk_photokit::eventStaysEventBelow_data()
