@@ -1,5 +1,5 @@
 # Read by cpack before it makes the packages of one kind.
 if(CPACK_GENERATOR STREQUAL "DEB")
     # Zsh on Debian looks in a directory of that name for what packages bring.
-    set(CPACK_CUSTOM_INSTALL_VARIABLES VLFOLIO_ZSH_COMPLETIONS=vendor-completions)
+    list(APPEND CPACK_CUSTOM_INSTALL_VARIABLES VLFOLIO_ZSH_COMPLETIONS=vendor-completions)
 endif()

@@ -36,9 +36,10 @@ mkdir -p "$root/srv/packages" "$root/srv/source/tests"
 cp "$WORK/packages"/*.deb "$root/srv/packages"
 cp -R tests/install "$root/srv/source/tests"
 
-# Nothing of this machine's environment is known in there.
+# Nothing of this machine's environment is known in there, but the way to the network.
+mapfile -t proxies < <(env | grep -iE '^(http|https|no)_proxy=')
 # shellcheck disable=SC2016 # the inner shell fills them in
-"${own_namespaces[@]}" env -i LIBDIR="$LIBDIR" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
+"${own_namespaces[@]}" env -i "${proxies[@]}" LIBDIR="$LIBDIR" PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
     DEBIAN_FRONTEND=noninteractive SOURCE_TREE=/srv/source WORK=/srv/work CXX=g++ CXXFLAGS= \
     bash -c 'mount -t proc proc "$1/proc" && mount --rbind /dev "$1/dev" &&
         exec chroot "$1" /srv/source/tests/install/debian_root_steps.sh' - "$root"
