@@ -252,11 +252,12 @@ bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
         && areOtherNames(name, QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1))) {
         return true;
     }
+    // QFileInfo may remember where a directory was that is gone.
+    const std::filesystem::path path(QFile::encodeName(directory.filePath()).constData());
+    const std::filesystem::path canonicalRoot(QFile::encodeName(rootPath).constData());
     std::error_code error;
-    const bool isOneFile =
-        std::filesystem::equivalent(QFile::encodeName(directory.filePath()).constData(),
-                                    QFile::encodeName(rootPath).constData(), error);
-    return !isOneFile && !error;
+    return std::filesystem::exists(path, error)
+        && !std::filesystem::equivalent(path, canonicalRoot, error);
 }
 
 // One level of the walk. It lives on the heap, and what works on it is not inlined: a tree may be

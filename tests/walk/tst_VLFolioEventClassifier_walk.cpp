@@ -133,6 +133,7 @@ private Q_SLOTS:
     void defaultConstructedRoot();
     void relativeRoot();
     void relativeRootInAnotherPlace();
+    void linkToTheRootThatIsGone();
     void folderAboveTheTargetOfALink_data();
     void folderAboveTheTargetOfALink();
     void rootWithTrailingSlash();
@@ -696,6 +697,21 @@ void tst_VLFolioEventClassifier_walk::relativeRootInAnotherPlace()
     const WorkingDirectory two(tree.path(u"two"_s));
     QVERIFY(two.isActive());
     QCOMPARE(classifier.eventFolderType(QFileInfo(u"a"_s)).classification().value(), Type::Root);
+}
+
+// What QFileInfo has found out counts for as long as it keeps that.
+void tst_VLFolioEventClassifier_walk::linkToTheRootThatIsGone()
+{
+    WalkTree tree;
+    tree.link(u"../link"_s, tree.root());
+    QVERIFY(tree.isValid());
+    const QFileInfo link(QFileInfo(tree.root()).path() + u"/link"_s);
+    QVERIFY(link.isSymLink());
+    QCOMPARE(link.canonicalFilePath(), tree.root());
+    QVERIFY(QFile::remove(link.filePath()));
+
+    const Classifier classifier { QFileInfo(tree.root()) };
+    QCOMPARE(classifier.eventFolderType(link).classification().value(), Type::Root);
 }
 
 // The system follows a link before it goes up again. A path without ".." would lead elsewhere.

@@ -29,6 +29,7 @@ private Q_SLOTS:
     void prefixIsThatOfTheAbsolutePath();
     void eventHasThePathAsGiven();
     void listingIsThatOfTheEngine();
+    void pathStaysTheEngines();
     void eventStaysEventBelow_data();
     void eventStaysEventBelow();
 };
@@ -154,6 +155,17 @@ void tst_walk_photokit::listingIsThatOfTheEngine()
 
     const PathsAsGiven engine(u"photokit"_s);
     QCOMPARE(VLPlatformIndependent::directoriesBesideUndecodableNames(directory), std::nullopt);
+}
+
+// Once it was made, also where the engine is no more asked for new files.
+void tst_walk_photokit::pathStaysTheEngines()
+{
+    Result result;
+    {
+        const PathsAsGiven engine(u"photokit"_s);
+        result = Result(QFileInfo(u"photokit/2019"_s), Type::Year);
+    }
+    QCOMPARE(result.render(0), u"   Year <= photokit/2019"_s);
 }
 
 void tst_walk_photokit::eventStaysEventBelow_data()
