@@ -34,14 +34,14 @@ int print(const QString& text)
 }
 
 // The absolute path without a slash at its end, which would stay in the root's path and be cut
-// from every other one.
+// from every other one. Not absolute if that takes a working directory that was removed.
 QString rootPathOf(const QString& argument)
 {
     // Qt takes "name/.." for the folder that holds the name; the system asks whether that name is
     // there and where a link leads.
     const QFileInfo given(argument);
     if (argument.split(u'/').contains(u".."_s))
-        return QDir::current().filePath(given.exists() ? given.canonicalFilePath() : argument);
+        return given.exists() ? given.canonicalFilePath() : QDir::current().filePath(argument);
     QString path = given.absoluteFilePath();
     while (path.size() > 1 && path.endsWith(u'/'))
         path.chop(1);
@@ -59,6 +59,8 @@ QString missing(const QString& path)
 // Asked of the system, which tells a directory that is not there from one that cannot be looked at.
 QString directoryProblem(const QString& path)
 {
+    if (QDir::isRelativePath(path))
+        return u"its path cannot be found (was the working directory removed?)"_s;
     const QByteArray name = QFile::encodeName(path);
     struct stat status = {};
     if (stat(name.constData(), &status) != 0)
@@ -78,9 +80,8 @@ int runOnDirectory(const CommandLine& commandLine)
     const QString rootPath = rootPathOf(given);
     const QString problem = directoryProblem(rootPath);
     if (!problem.isEmpty()) {
-        // A working directory that was removed has no path.
-        Terminal::complain(
-            u"cannot classify %1: %2"_s.arg(rootPath.isEmpty() ? given : rootPath, problem));
+        Terminal::complain(u"cannot classify %1: %2"_s.arg(
+            QDir::isRelativePath(rootPath) ? given : rootPath, problem));
         return EXIT_FAILURE;
     }
     return commandLine.action == CommandLine::Action::Report

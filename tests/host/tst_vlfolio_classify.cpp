@@ -255,6 +255,7 @@ private Q_SLOTS:
     void wrongUsage();
     void directoryProblem_data();
     void directoryProblem();
+    void workingDirectoryIsRemoved_data();
     void workingDirectoryIsRemoved();
     void directoryNameIsNotUtf8();
     void directoryFails_data();
@@ -941,20 +942,37 @@ void tst_vlfolio_classify::directoryProblem()
     }
 }
 
+void tst_vlfolio_classify::workingDirectoryIsRemoved_data()
+{
+    QTest::addColumn<QString>("directory");
+
+    QTest::newRow("itself") << u"."_s;
+    QTest::newRow("itself_with_slash") << u"./"_s;
+    QTest::newRow("below") << u"2019"_s;
+    QTest::newRow("up") << u".."_s;
+    QTest::newRow("up_and_down") << u"../2019"_s;
+}
+
 void tst_vlfolio_classify::workingDirectoryIsRemoved()
 {
+    QFETCH(QString, directory);
     const PictureTree tree;
-    tree.addFolder(u"gone"_s);
+    tree.addFolder(u"2019"_s);
     const QByteArray gone = tree.path(u"gone"_s).toUtf8();
 
-    const auto outcome = program({ u"."_s })
-                             .in(tree.path(u"gone"_s))
-                             .before([&] { ::rmdir(gone.constData()); })
-                             .run();
+    for (const auto& option : { u"--no-open"_s, u"--list"_s, u"--json"_s, u"--summary"_s }) {
+        tree.addFolder(u"gone"_s);
+        const auto outcome = program({ option, directory })
+                                 .in(tree.path(u"gone"_s))
+                                 .before([&] { ::rmdir(gone.constData()); })
+                                 .run();
 
-    QCOMPARE(outcome.error, failure(u"cannot classify .: it does not exist"_s));
-    QCOMPARE(outcome.output, QByteArray());
-    QCOMPARE(outcome.exitCode, 1);
+        QCOMPARE(outcome.error,
+                 failure(u"cannot classify %1: its path cannot be found (was the working directory "
+                         "removed?)"_s.arg(directory)));
+        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.exitCode, 1);
+    }
 }
 
 void tst_vlfolio_classify::directoryNameIsNotUtf8()
