@@ -71,24 +71,22 @@ std::optional<QLocale> localeNamed(const QString& name)
     return known ? std::optional(locale) : std::nullopt;
 }
 
-// The argument that holds the option, as it was typed, without a value.
-QString typedOption(const QStringList& arguments, const QString& name)
+// The first argument with an option that the parser does not know, as it was typed. Which arguments
+// are options and which are values only the parser can tell: it is asked about the first ones.
+QString unknownOption(QCommandLineParser& parser, const QStringList& arguments)
 {
-    for (const QString& argument : arguments) {
-        QString option = argument.section(u'=', 0, 0);
-        const bool isLong = option.startsWith(u"--"_s);
-        if (isLong ? option.sliced(2) == name : option.startsWith(u'-') && option.contains(name))
-            return option;
-    }
-    return name;
+    const auto isKnownSoFar = [&](const QString& argument) {
+        parser.parse(arguments.first(&argument - arguments.constData() + 1));
+        return parser.unknownOptionNames().isEmpty();
+    };
+    return *std::partition_point(arguments.cbegin(), arguments.cend(), isKnownSoFar);
 }
 
 // What the parser has found wrong, in the words of the other messages.
-QString parserError(const QCommandLineParser& parser, const QStringList& arguments)
+QString parserError(QCommandLineParser& parser, const QStringList& arguments)
 {
-    const QStringList unknown = parser.unknownOptionNames();
-    if (!unknown.isEmpty())
-        return u"unknown option '%1'"_s.arg(typedOption(arguments, unknown.constFirst()));
+    if (!parser.unknownOptionNames().isEmpty())
+        return u"unknown option '%1'"_s.arg(unknownOption(parser, arguments));
     QString text = parser.errorText();
     if (text.endsWith(u'.'))
         text.chop(1);

@@ -822,7 +822,7 @@ void tst_vlfolio_classify::wrongUsage_data()
     QTest::newRow("unknown_option")
         << QStringList { u"--nope"_s, pics } << u"unknown option '--nope'"_s;
     QTest::newRow("unknown_option_with_value")
-        << QStringList { u"--nope=3"_s, pics } << u"unknown option '--nope'"_s;
+        << QStringList { u"--nope=3"_s, pics } << u"unknown option '--nope=3'"_s;
     QTest::newRow("first_of_two_unknown_options")
         << QStringList { u"--no"_s, u"--nope"_s, pics } << u"unknown option '--no'"_s;
     QTest::newRow("unknown_short_option")
@@ -831,6 +831,23 @@ void tst_vlfolio_classify::wrongUsage_data()
         << QStringList { u"-list"_s, pics } << u"unknown option '-list'"_s;
     QTest::newRow("unknown_option_behind_its_letter")
         << QStringList { u"x"_s, u"--explain"_s, u"-x"_s } << u"unknown option '-x'"_s;
+    QTest::newRow("unknown_letter_among_known_ones")
+        << QStringList { u"-v"_s, u"-hxv"_s, pics } << u"unknown option '-hxv'"_s;
+    QTest::newRow("unknown_letter_is_half_a_character")
+        << QStringList { u"-😀"_s, pics } << u"unknown option '-😀'"_s;
+    QTest::newRow("long_option_without_name")
+        << QStringList { u"--="_s, pics } << u"unknown option '--='"_s;
+    QTest::newRow("long_option_without_name_behind_a_short_one")
+        << QStringList { u"-h"_s, u"--="_s } << u"unknown option '--='"_s;
+    QTest::newRow("long_option_without_name_behind_a_dash")
+        << QStringList { u"-"_s, u"--=3"_s } << u"unknown option '--=3'"_s;
+    QTest::newRow("equals_sign_as_letter")
+        << QStringList { u"-=y"_s, pics } << u"unknown option '-=y'"_s;
+    QTest::newRow("unknown_letter_behind_a_value_with_it")
+        << QStringList { u"--locale"_s, u"-large"_s, u"-l"_s, pics } << u"unknown option '-l'"_s;
+    QTest::newRow("unknown_option_behind_a_value_with_it")
+        << QStringList { u"--locale"_s, u"-nope"_s, u"--nope"_s, pics }
+        << u"unknown option '--nope'"_s;
     QTest::newRow("unknown_option_beside_help")
         << QStringList { u"--help"_s, u"--nope"_s } << u"unknown option '--nope'"_s;
     QTest::newRow("control_character_is_escaped")
