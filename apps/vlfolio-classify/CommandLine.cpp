@@ -156,7 +156,7 @@ QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
     if (commandLine.operands.isEmpty() || commandLine.operands.constFirst().isEmpty())
         return u"no directory given"_s;
     if (commandLine.operands.size() > 1) {
-        return u"more than one directory given: '%1'; a path with blanks needs quotes"_s.arg(
+        return u"more than one directory given: '%1' (does a path with blanks lack quotes?)"_s.arg(
             commandLine.operands.at(1));
     }
     return {};

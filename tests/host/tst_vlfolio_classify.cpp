@@ -811,10 +811,10 @@ void tst_vlfolio_classify::wrongUsage_data()
     QTest::newRow("empty_directory") << QStringList { QString() } << u"no directory given"_s;
     QTest::newRow("two_directories")
         << QStringList { pics, u"b"_s }
-        << u"more than one directory given: 'b'; a path with blanks needs quotes"_s;
+        << u"more than one directory given: 'b' (does a path with blanks lack quotes?)"_s;
     QTest::newRow("option_after_the_end_of_options")
         << QStringList { pics, u"--"_s, u"--list"_s }
-        << u"more than one directory given: '--list'; a path with blanks needs quotes"_s;
+        << u"more than one directory given: '--list' (does a path with blanks lack quotes?)"_s;
     QTest::newRow("list_without_directory")
         << QStringList { u"--list"_s } << u"no directory given"_s;
     QTest::newRow("explain_without_name")
