@@ -15,8 +15,8 @@ struct OptionRow
     /// What the value is called; empty for an option without one.
     QLatin1StringView valueName;
     /// What is offered for the value, parted by blanks; empty for the locales of the system. Some
-    /// of rare languages are among these that Qt does not know and the program refuses: where all
-    /// are installed, asking it about each would keep who types waiting for seconds.
+    /// of those are unknown to Qt, and refused. Asking the program about each one would take
+    /// seconds at every press of Tab.
     QLatin1StringView values;
     /// What it does, in whole sentences.
     QLatin1StringView description;
