@@ -1,0 +1,183 @@
+#include "WholeFile.h"
+
+#include "Terminal.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QRandomGenerator>
+
+#include <cerrno>
+#include <ctime>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto directoryPrefix = ".vlfolio-classify-";
+// The same in each directory, so that one that was left holds nothing else to be removed.
+constexpr auto fileName = "new";
+constexpr std::time_t oneDay = 24 * 60 * 60;
+
+int openDirectory(int parent, const char* name, int flags)
+{
+    return openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | flags);
+}
+
+QByteArray randomName()
+{
+    const quint64 number = QRandomGenerator::system()->generate64();
+    return directoryPrefix + QByteArray::number(number, 36);
+}
+
+void closeIfOpen(int descriptor)
+{
+    if (descriptor >= 0)
+        close(descriptor);
+}
+
+// Somebody may have put another directory in the place of one just made. A file that is made in it
+// tells whose it should be: some file systems give everything one owner, whoever made it.
+bool isOwn(int directory)
+{
+    const int file =
+        openat(directory, fileName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (file < 0)
+        return false;
+    struct stat fileStatus = {};
+    struct stat status = {};
+    const bool isOwn = fstat(file, &fileStatus) == 0 && fstat(directory, &status) == 0
+        && status.st_uid == fileStatus.st_uid;
+    close(file);
+    unlinkat(directory, fileName, 0);
+    errno = EPERM;
+    return isOwn;
+}
+
+bool haveOneOwner(int one, int other)
+{
+    struct stat status = {};
+    struct stat otherStatus = {};
+    return fstat(one, &status) == 0 && fstat(other, &otherStatus) == 0
+        && status.st_uid == otherStatus.st_uid;
+}
+
+bool isOld(int directory)
+{
+    struct stat status = {};
+    return fstat(directory, &status) == 0 && status.st_mtime < std::time(nullptr) - oneDay;
+}
+
+bool isSameDirectory(int directory, const char* path)
+{
+    struct stat wanted = {};
+    struct stat found = {};
+    return fstat(directory, &wanted) == 0 && stat(path, &found) == 0
+        && wanted.st_dev == found.st_dev && wanted.st_ino == found.st_ino;
+}
+
+// A system that keeps no data back has nothing to send off.
+bool isSentOff(int file)
+{
+    return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
+}
+
+} // namespace
+
+WholeFile::WholeFile(const QString& path)
+{
+    const QFileInfo target(path);
+    m_name = QFile::encodeName(target.fileName());
+    m_parentPath = QFile::encodeName(target.absolutePath());
+    m_directoryName = randomName();
+    m_parent = openDirectory(AT_FDCWD, m_parentPath.constData(), 0);
+    if (m_parent < 0 || !makeDirectory())
+        m_error = Terminal::errorText(errno);
+    else
+        removeLeftOvers();
+}
+
+WholeFile::~WholeFile()
+{
+    if (m_directory >= 0)
+        unlinkat(m_directory, fileName, 0);
+    if (m_parent >= 0)
+        unlinkat(m_parent, m_directoryName.constData(), AT_REMOVEDIR);
+    closeIfOpen(m_directory);
+    closeIfOpen(m_parent);
+}
+
+QString WholeFile::error() const
+{
+    return m_error;
+}
+
+QString WholeFile::writingPath() const
+{
+    // A path through the descriptor stays what it is when the directory is moved and another one
+    // put in its place. Not every system has such paths.
+    QByteArray path = "/proc/self/fd/" + QByteArray::number(m_directory);
+    if (!isSameDirectory(m_directory, path.constData()))
+        path = m_parentPath + '/' + m_directoryName;
+    return QFile::decodeName(path + '/' + fileName);
+}
+
+QString WholeFile::commit()
+{
+    const int file = openat(m_directory, fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
+    const bool isInPlace = file >= 0 && isSentOff(file)
+        && renameat(m_directory, fileName, m_parent, m_name.constData()) == 0;
+    const QString error = isInPlace ? QString() : Terminal::errorText(errno);
+    closeIfOpen(file);
+    return error;
+}
+
+QString WholeFile::obstacle(const QString& path)
+{
+    const QByteArray name = QFile::encodeName(path);
+    struct stat status = {};
+    const bool isThere = stat(name.constData(), &status) == 0;
+    if (path.endsWith(u'/') || (isThere && S_ISDIR(status.st_mode)))
+        return u"it is a directory"_s;
+    return isThere && !S_ISREG(status.st_mode) ? u"what has that name is no file"_s : QString();
+}
+
+// Sets errno where that fails.
+bool WholeFile::makeDirectory()
+{
+    if (mkdirat(m_parent, m_directoryName.constData(), S_IRWXU) != 0)
+        return false;
+    m_directory = openDirectory(m_parent, m_directoryName.constData(), O_NOFOLLOW);
+    return m_directory >= 0 && isOwn(m_directory);
+}
+
+void WholeFile::removeLeftOvers() const
+{
+    const int copy = openDirectory(m_parent, ".", 0);
+    DIR* const stream = copy >= 0 ? fdopendir(copy) : nullptr;
+    if (stream == nullptr) {
+        closeIfOpen(copy);
+        return;
+    }
+    while (const dirent* const entry = readdir(stream)) {
+        if (QByteArrayView(entry->d_name).startsWith(directoryPrefix))
+            removeLeftOver(entry->d_name);
+    }
+    closedir(stream);
+}
+
+void WholeFile::removeLeftOver(const char* name) const
+{
+    const int directory = openDirectory(m_parent, name, O_NOFOLLOW);
+    if (directory < 0)
+        return;
+    if (haveOneOwner(directory, m_directory) && isOld(directory)) {
+        unlinkat(directory, fileName, 0);
+        unlinkat(m_parent, name, AT_REMOVEDIR);
+    }
+    close(directory);
+}
