@@ -1,5 +1,6 @@
 #include "ClassifyCommands.h"
 
+#include "FolderReasons.h"
 #include "HostPlatform.h"
 #include "Progress.h"
 #include "Terminal.h"
@@ -105,7 +106,7 @@ QJsonArray reasonsOf(const QList<HostPlatform::Omission>& omissions)
     return array;
 }
 
-QString jsonLine(const Folder& folder, int prefix)
+QString jsonLine(const Folder& folder, const FolderReasons::Reason& reason, int prefix)
 {
     const QString path = folder.result.directory().absoluteFilePath();
     const VLEventFolderType type = folder.result.classification();
@@ -115,6 +116,8 @@ QString jsonLine(const Folder& folder, int prefix)
         { u"relativePath"_s, path.mid(prefix) },
         { u"type"_s, nameOf(type) },
         { u"value"_s, static_cast<int>(type.value()) },
+        { u"ownType"_s, nameOf(reason.ownType) },
+        { u"tests"_s, QJsonArray::fromStringList(reason.tests) },
         { u"files"_s, folder.fileCount },
         { u"occasions"_s, occasionsOf(folder.result) },
     };
@@ -123,6 +126,15 @@ QString jsonLine(const Folder& folder, int prefix)
     if (!folder.omissions.isEmpty())
         object.insert(u"incomplete"_s, reasonsOf(folder.omissions));
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+QString line(const CommandLine& commandLine, const Folder& folder, const FolderReasons& reasons,
+             int prefix)
+{
+    if (commandLine.action == CommandLine::Action::Json)
+        return jsonLine(folder, reasons.reason(), prefix);
+    const QString line = folder.result.render(prefix);
+    return commandLine.why ? line + u"  ("_s + reasons.reason().text + u')' : line;
 }
 
 void printSummary(const QList<Folder>& folders, const std::optional<VLEventFolderType>& only)
@@ -140,15 +152,7 @@ void printSummary(const QList<Folder>& folders, const std::optional<VLEventFolde
 
 QString explanation(const VLFolioEventClassifier& classifier, const QString& name)
 {
-    QStringList met;
-    if (classifier.matchesProject(name))
-        met.append(u"project"_s);
-    if (classifier.matchesDate(name))
-        met.append(u"date"_s);
-    if (classifier.matchesMonth(name))
-        met.append(u"month"_s);
-    if (classifier.matchesYear(name))
-        met.append(u"year"_s);
+    const QStringList met = FolderReasons::testsMet(classifier, name);
     const QString tests = met.isEmpty() ? u"none"_s : met.join(u", "_s);
     return nameOf(classifier.eventFolderType(name)) + u" <= "_s + name + u" (tests met: "_s + tests
         + u')';
@@ -172,10 +176,11 @@ int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString
     }
 
     const int prefix = prefixLength(rootPath);
-    const bool asJson = commandLine.action == CommandLine::Action::Json;
+    FolderReasons reasons { QFileInfo(rootPath) };
     for (const Folder& folder : folders) {
+        reasons.enter(folder.result);
         if (isWanted(folder.result.classification(), commandLine.type))
-            Terminal::writeLine(asJson ? jsonLine(folder, prefix) : folder.result.render(prefix));
+            Terminal::writeLine(line(commandLine, folder, reasons, prefix));
     }
     return exitCode();
 }

@@ -138,6 +138,14 @@ QString readType(const QCommandLineParser& parser, CommandLine& commandLine)
     return {};
 }
 
+QString readWhy(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    commandLine.why = parser.isSet(u"why"_s);
+    return commandLine.why && commandLine.action != CommandLine::Action::List
+        ? u"--why goes with --list only"_s
+        : QString();
+}
+
 QString readLocale(const QCommandLineParser& parser, CommandLine& commandLine)
 {
     if (!parser.isSet(u"locale"_s))
@@ -148,11 +156,24 @@ QString readLocale(const QCommandLineParser& parser, CommandLine& commandLine)
     return {};
 }
 
+// What keeps the names from being explained, or an empty string.
+QString namesProblem(const QStringList& names)
+{
+    if (names.isEmpty())
+        return u"--explain needs a folder name"_s;
+    const auto path = std::find_if(names.cbegin(), names.cend(),
+                                   [](const QString& name) { return name.contains(u'/'); });
+    return path == names.cend()
+        ? QString()
+        : u"'%1' is a path, --explain takes names only; --list --why explains the folders in a directory"_s
+              .arg(*path);
+}
+
 QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
 {
     commandLine.operands = parser.positionalArguments();
     if (commandLine.action == CommandLine::Action::Explain)
-        return commandLine.operands.isEmpty() ? u"--explain needs a folder name"_s : QString();
+        return namesProblem(commandLine.operands);
     if (commandLine.operands.isEmpty() || commandLine.operands.constFirst().isEmpty())
         return u"no directory given"_s;
     if (commandLine.operands.size() > 1) {
@@ -179,7 +200,7 @@ std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QStr
         && (commandLine.action == Action::Help || commandLine.action == Action::Version)) {
         return commandLine;
     }
-    constexpr std::array readers { readOpening, readType, readLocale, readOperands };
+    constexpr std::array readers { readOpening, readType, readWhy, readLocale, readOperands };
     for (const auto& read : readers) {
         if (error->isEmpty())
             *error = read(parser, commandLine);

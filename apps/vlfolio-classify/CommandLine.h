@@ -20,6 +20,8 @@ struct CommandLine
     Opening opening = Opening::Desktop;
     /// Only folders of this type, for List, Json and Summary.
     std::optional<VLEventFolderType> type;
+    /// Whether each line of List ends with the reason for the type.
+    bool why = false;
     /// The default locale, if not the system's.
     std::optional<QLocale> locale;
     /// The directory, or the names to explain.

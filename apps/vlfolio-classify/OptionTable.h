@@ -31,6 +31,8 @@ inline constexpr std::array optionTable {
                 "Write no report; print a JSON object for each folder, one a line."_L1 },
     OptionRow { "summary"_L1, ""_L1, ""_L1,
                 "Write no report; print how many folders of each type there are."_L1 },
+    OptionRow { "why"_L1, ""_L1, ""_L1,
+                "With --list: end each line with the reason for the type."_L1 },
     OptionRow { "type"_L1, "NAME"_L1, "Unknown Root Year Month Day Event ProjectFolder"_L1,
                 "With --list, --json or --summary: only folders of this type (Unknown, Root, Year, "
                 "Month, Day, Event or ProjectFolder, in any letter case)."_L1 },

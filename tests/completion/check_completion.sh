@@ -26,6 +26,7 @@ all_options='--explain
 --summary
 --type
 --version
+--why
 -h
 -v'
 all_types='Day

@@ -65,6 +65,8 @@ QJsonObject expectedObject(const Item& item, int prefixLength)
                          { u"relativePath"_s, readBack(path.sliced(cut)) },
                          { u"type"_s, FuzzedResults::nameOf(item.type) },
                          { u"value"_s, item.type },
+                         { u"ownType"_s, FuzzedResults::nameOf(item.type) },
+                         { u"tests"_s, QJsonArray { readBack(item.path) } },
                          { u"files"_s, item.path.size() },
                          { u"occasions"_s, occasions } };
     if (const QJsonArray reasons = expectedReasons(item); !reasons.isEmpty())
@@ -88,7 +90,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
     const FuzzedResults input(data, size);
     for (const Item& item : input.items) {
-        const QByteArray line = jsonLine(folderOf(item), input.prefixLength).toUtf8();
+        // Any text is a reason here.
+        const Folder folder = folderOf(item);
+        const FolderReasons::Reason reason { folder.result.classification(), { item.path }, {} };
+        const QByteArray line = jsonLine(folder, reason, input.prefixLength).toUtf8();
         Fuzzing::compare("is JSON to the letter", StrictJson::accepts(line), true, inputText);
         Fuzzing::compare("is one line", line.contains('\n'), false, inputText);
         QJsonParseError error {};

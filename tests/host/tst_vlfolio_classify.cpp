@@ -141,18 +141,18 @@ Unknown <= a
 )";
 
 constexpr auto picturesJson =
-    R"({"files":0,"occasions":[],"path":"{}/pics","relativePath":"","type":"Root","value":1}
-{"files":0,"occasions":[],"path":"{}/pics/1999","relativePath":"1999","type":"Unknown","value":0}
-{"files":0,"occasions":[],"path":"{}/pics/2019","relativePath":"2019","type":"Year","value":2}
-{"files":0,"occasions":[],"path":"{}/pics/2019/07","relativePath":"2019/07","type":"Month","value":4}
-{"files":0,"occasions":[],"path":"{}/pics/2019/07/2019-07-14","relativePath":"2019/07/2019-07-14","type":"Event","value":16}
-{"files":2,"occasions":[],"path":"{}/pics/2019/07/Beach","relativePath":"2019/07/Beach","type":"Event","value":16}
-{"files":0,"occasions":[],"path":"{}/pics/2019/07/Beach/2019-07-15","relativePath":"2019/07/Beach/2019-07-15","type":"Day","value":8}
-{"files":0,"occasions":[],"path":"{}/pics/2019/07-x","relativePath":"2019/07-x","type":"Event","value":16}
-{"files":0,"occasions":[],"path":"{}/pics/2019/Trip to sea","relativePath":"2019/Trip to sea","type":"Event","value":16}
-{"files":0,"occasions":[],"path":"{}/pics/B","relativePath":"B","type":"Unknown","value":0}
-{"files":0,"occasions":[],"path":"{}/pics/Urlaub_vlp-Dateien","relativePath":"Urlaub_vlp-Dateien","type":"ProjectFolder","value":32}
-{"files":1,"occasions":[],"path":"{}/pics/a","relativePath":"a","type":"Unknown","value":0}
+    R"({"files":0,"occasions":[],"ownType":"Root","path":"{}/pics","relativePath":"","tests":[],"type":"Root","value":1}
+{"files":0,"occasions":[],"ownType":"Unknown","path":"{}/pics/1999","relativePath":"1999","tests":[],"type":"Unknown","value":0}
+{"files":0,"occasions":[],"ownType":"Year","path":"{}/pics/2019","relativePath":"2019","tests":["year"],"type":"Year","value":2}
+{"files":0,"occasions":[],"ownType":"Month","path":"{}/pics/2019/07","relativePath":"2019/07","tests":["month"],"type":"Month","value":4}
+{"files":0,"occasions":[],"ownType":"Day","path":"{}/pics/2019/07/2019-07-14","relativePath":"2019/07/2019-07-14","tests":["date","year"],"type":"Event","value":16}
+{"files":2,"occasions":[],"ownType":"Unknown","path":"{}/pics/2019/07/Beach","relativePath":"2019/07/Beach","tests":[],"type":"Event","value":16}
+{"files":0,"occasions":[],"ownType":"Day","path":"{}/pics/2019/07/Beach/2019-07-15","relativePath":"2019/07/Beach/2019-07-15","tests":["date","year"],"type":"Day","value":8}
+{"files":0,"occasions":[],"ownType":"Unknown","path":"{}/pics/2019/07-x","relativePath":"2019/07-x","tests":[],"type":"Event","value":16}
+{"files":0,"occasions":[],"ownType":"Unknown","path":"{}/pics/2019/Trip to sea","relativePath":"2019/Trip to sea","tests":[],"type":"Event","value":16}
+{"files":0,"occasions":[],"ownType":"Unknown","path":"{}/pics/B","relativePath":"B","tests":[],"type":"Unknown","value":0}
+{"files":0,"occasions":[],"ownType":"ProjectFolder","path":"{}/pics/Urlaub_vlp-Dateien","relativePath":"Urlaub_vlp-Dateien","tests":["project"],"type":"ProjectFolder","value":32}
+{"files":1,"occasions":[],"ownType":"Unknown","path":"{}/pics/a","relativePath":"a","tests":[],"type":"Unknown","value":0}
 )";
 
 constexpr auto helpText = R"(Usage: vlfolio-classify [options] DIRECTORY
@@ -170,6 +170,7 @@ Options:
                    line.
   --summary        Write no report; print how many folders of each type there
                    are.
+  --why            With --list: end each line with the reason for the type.
   --type <NAME>    With --list, --json or --summary: only folders of this type
                    (Unknown, Root, Year, Month, Day, Event or ProjectFolder, in
                    any letter case).
@@ -521,8 +522,8 @@ void tst_vlfolio_classify::prints_data()
         << u"Unknown <= 1999\nUnknown <= B\nUnknown <= a\n"_s;
     QTest::newRow("json_of_a_type")
         << QStringList { u"--json"_s, u"--type"_s, u"month"_s, u"pics"_s }
-        << u"{\"files\":0,\"occasions\":[],\"path\":\"{}/pics/2019/07\","
-           "\"relativePath\":\"2019/07\",\"type\":\"Month\",\"value\":4}\n"_s;
+        << u"{\"files\":0,\"occasions\":[],\"ownType\":\"Month\",\"path\":\"{}/pics/2019/07\","
+           "\"relativePath\":\"2019/07\",\"tests\":[\"month\"],\"type\":\"Month\",\"value\":4}\n"_s;
     QTest::newRow("summary_of_a_type")
         << QStringList { u"--summary"_s, u"--type"_s, u"Event"_s, u"pics"_s }
         << u"Event         4\n"_s;
@@ -568,15 +569,23 @@ void tst_vlfolio_classify::rootOfTheFileSystem_data()
 
     const QByteArray list = "   Root <= \nUnknown <= a\nUnknown <= a/b\n";
     QTest::newRow("list") << QStringList { u"--list"_s, u"/"_s } << list;
+    QTest::newRow("list_with_reasons")
+        << QStringList { u"--list"_s, u"--why"_s, u"/"_s }
+        << "   Root <=   (the root of the collection)\n"
+           "Unknown <= a  (by itself Unknown: no test met; an unknown folder below the root stays "
+           "unknown)\n"
+           "Unknown <= a/b  (by itself Unknown: no test met; an unknown folder below an unknown "
+           "folder stays unknown)\n"_ba;
     QTest::newRow("list_with_slashes") << QStringList { u"--list"_s, u"///"_s } << list;
     QTest::newRow("list_above_it") << QStringList { u"--list"_s, u"/.."_s } << list;
     QTest::newRow("json") << QStringList { u"--json"_s, u"--type=Unknown"_s, u"/"_s }
-                          << QByteArray(R"({"files":0,"occasions":[],"path":"/a",)"
-                                        R"("relativePath":"a","type":"Unknown","value":0})"
-                                        "\n"
-                                        R"({"files":0,"occasions":[],"path":"/a/b",)"
-                                        R"("relativePath":"a/b","type":"Unknown","value":0})"
-                                        "\n");
+                          << QByteArray(
+                                 R"({"files":0,"occasions":[],"ownType":"Unknown","path":"/a",)"
+                                 R"("relativePath":"a","tests":[],"type":"Unknown","value":0})"
+                                 "\n"
+                                 R"({"files":0,"occasions":[],"ownType":"Unknown","path":"/a/b",)"
+                                 R"("relativePath":"a/b","tests":[],"type":"Unknown","value":0})"
+                                 "\n");
     QTest::newRow("report") << QStringList { u"/"_s }
                             << QByteArray("/vela.classification.results.html\n");
 }
@@ -629,14 +638,15 @@ void tst_vlfolio_classify::jsonKeys()
 
     const auto outcome = program({ u"--json"_s, tree.path(u"pics"_s) }).run();
 
-    const QStringList keys { u"files"_s,        u"occasions"_s, u"path"_s,
-                             u"relativePath"_s, u"type"_s,      u"value"_s };
+    const QStringList keys { u"files"_s,        u"occasions"_s, u"ownType"_s, u"path"_s,
+                             u"relativePath"_s, u"tests"_s,     u"type"_s,    u"value"_s };
     const QList<QByteArray> lines = outcome.output.trimmed().split('\n');
     QCOMPARE(lines.size(), 12);
     for (const QByteArray& line : lines) {
         const QJsonObject object = QJsonDocument::fromJson(line).object();
         QCOMPARE(object.keys(), keys);
         QVERIFY(object.value(u"occasions").isArray());
+        QVERIFY(object.value(u"tests").isArray());
         QVERIFY(object.value(u"files").isDouble());
     }
 }
@@ -670,8 +680,6 @@ void tst_vlfolio_classify::explains_data()
                                 << u"Unknown <=  (tests met: none)"_s;
     QTest::newRow("placeholder_stays")
         << plain << QString() << u"%1 %2 %3"_s << u"Unknown <= %1 %2 %3 (tests met: none)"_s;
-    QTest::newRow("slash_is_of_the_name")
-        << plain << QString() << u"2019/07"_s << u"Year <= 2019/07 (tests met: year)"_s;
     QTest::newRow("digit_is_a_day_in_C")
         << plain << QString() << u"7"_s << u"Day <= 7 (tests met: date, month)"_s;
     QTest::newRow("digit_is_a_month_in_English")
@@ -717,7 +725,7 @@ void tst_vlfolio_classify::explainTouchesNoFile()
     // Neither a folder that may not be entered nor names that are not there make a difference, and
     // a name after "--" is one even if it looks like an option.
     const auto outcome =
-        program({ u"--explain"_s, u"pics"_s, u"no/such/2019"_s, u"--"_s, u"--list"_s })
+        program({ u"--explain"_s, u"pics"_s, u"no such 2019"_s, u"--"_s, u"--list"_s })
             .in(tree.path())
             .before(&ChildSteps::obeyPermissions)
             .run();
@@ -726,7 +734,7 @@ void tst_vlfolio_classify::explainTouchesNoFile()
         QSKIP("The superuser's rights cannot be dropped here.");
     QCOMPARE(outcome.output,
              QByteArray("Unknown <= pics (tests met: none)\n"
-                        "Year <= no/such/2019 (tests met: year)\n"
+                        "Year <= no such 2019 (tests met: year)\n"
                         "Unknown <= --list (tests met: none)\n"));
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.exitCode, 0);
@@ -883,6 +891,18 @@ void tst_vlfolio_classify::wrongUsage_data()
                                    << u"--list and --json do not go together"_s;
     QTest::newRow("list_and_summary") << QStringList { u"--list"_s, u"--summary"_s, pics }
                                       << u"--list and --summary do not go together"_s;
+    QTest::newRow("why_with_report")
+        << QStringList { u"--why"_s, pics } << u"--why goes with --list only"_s;
+    QTest::newRow("why_with_json")
+        << QStringList { u"--json"_s, u"--why"_s, pics } << u"--why goes with --list only"_s;
+    QTest::newRow("explain_a_path")
+        << QStringList { u"--explain"_s, u"2019"_s, u"2019/07"_s }
+        << u"'2019/07' is a path, --explain takes names only; --list --why explains the folders in "
+           "a directory"_s;
+    QTest::newRow("explain_a_name_with_a_slash_at_its_end")
+        << QStringList { u"--explain"_s, u"2019/"_s }
+        << u"'2019/' is a path, --explain takes names only; --list --why explains the folders in "
+           "a directory"_s;
     QTest::newRow("json_and_explain") << QStringList { u"--explain"_s, u"--json"_s, pics }
                                       << u"--json and --explain do not go together"_s;
 }
@@ -1057,22 +1077,24 @@ void tst_vlfolio_classify::omissionsAreTold_data()
     QTest::newRow("list")
         << u"--list"_s
         << "   Root <= \nUnknown <= closed\nUnknown <= odd\nUnknown <= odd/good\n"_ba;
-    QTest::newRow("json_of_one_type")
-        << u"--json --type Root"_s
-        << "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics\",\"relativePath\":\"\","
-           "\"type\":\"Root\",\"value\":1}\n"_ba;
+    QTest::newRow("json_of_one_type") << u"--json --type Root"_s
+                                      << "{\"files\":0,\"occasions\":[],\"ownType\":\"Root\","
+                                         "\"path\":\"{}/pics\",\"relativePath\":\"\",\"tests\":[],"
+                                         "\"type\":\"Root\",\"value\":1}\n"_ba;
     QTest::newRow("json")
         << u"--json"_s
-        << "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics\",\"relativePath\":\"\","
+        << "{\"files\":0,\"occasions\":[],\"ownType\":\"Root\",\"path\":\"{}/"
+           "pics\",\"relativePath\":\"\",\"tests\":[],"
            "\"type\":\"Root\",\"value\":1}\n"
-           "{\"files\":0,\"incomplete\":[\"unreadable\"],\"occasions\":[],"
-           "\"path\":\"{}/pics/closed\",\"relativePath\":\"closed\","
+           "{\"files\":0,\"incomplete\":[\"unreadable\"],\"occasions\":[],\"ownType\":\"Unknown\","
+           "\"path\":\"{}/pics/closed\",\"relativePath\":\"closed\",\"tests\":[],"
            "\"type\":\"Unknown\",\"value\":0}\n"
-           "{\"files\":0,\"incomplete\":[\"undecodableNames\"],\"occasions\":[],"
-           "\"path\":\"{}/pics/odd\",\"relativePath\":\"odd\","
+           "{\"files\":0,\"incomplete\":[\"undecodableNames\"],\"occasions\":[],\"ownType\":"
+           "\"Unknown\","
+           "\"path\":\"{}/pics/odd\",\"relativePath\":\"odd\",\"tests\":[],"
            "\"type\":\"Unknown\",\"value\":0}\n"
-           "{\"files\":0,\"occasions\":[],\"path\":\"{}/pics/odd/good\","
-           "\"relativePath\":\"odd/good\",\"type\":\"Unknown\",\"value\":0}\n"_ba;
+           "{\"files\":0,\"occasions\":[],\"ownType\":\"Unknown\",\"path\":\"{}/pics/odd/good\","
+           "\"relativePath\":\"odd/good\",\"tests\":[],\"type\":\"Unknown\",\"value\":0}\n"_ba;
     QTest::newRow("summary") << u"--summary --type Root"_s << "Root          1\n"_ba;
 }
 
@@ -1372,10 +1394,11 @@ void tst_vlfolio_classify::terminalShowsNamesEscaped_data()
     const QString escapedJson = u"a\\\"b\\\\c\\u001b[31m\\nd\\u007f\\u202egpj.exe"_s;
     QTest::newRow("list") << QStringList { u"--list"_s, u"."_s }
                           << u"   Root <= \nUnknown <= %1\n"_s.arg(escaped);
-    QTest::newRow("json") << QStringList { u"--json"_s, u"--type=Unknown"_s, u"."_s }
-                          << u"{\"files\":0,\"occasions\":[],\"path\":\"{}/%1\","
-                             "\"relativePath\":\"%1\",\"type\":\"Unknown\",\"value\":0}\n"_s.arg(
-                                 escapedJson);
+    QTest::newRow("json")
+        << QStringList { u"--json"_s, u"--type=Unknown"_s, u"."_s }
+        << u"{\"files\":0,\"occasions\":[],\"ownType\":\"Unknown\",\"path\":\"{}/%1\","
+           "\"relativePath\":\"%1\",\"tests\":[],\"type\":\"Unknown\",\"value\":0}\n"_s.arg(
+               escapedJson);
     QTest::newRow("report") << QStringList { trickyName }
                             << u"{}/%1/%2\n"_s.arg(escaped, reportName);
     QTest::newRow("explain") << QStringList { u"--explain"_s, trickyName }

@@ -106,12 +106,13 @@ void tst_vlfolio_classify_large::endsQuietlyWithItsReader_data()
     QTest::addColumn<QByteArray>("read");
 
     QTest::newRow("list") << u"--list"_s << "   Root <= \n   Year <= 2000\n"_ba;
-    const QByteArray json = R"({"files":0,"occasions":[],"path":"{}","relativePath":"",)"
-                            R"("type":"Root","value":1})"
-                            "\n"
-                            R"({"files":0,"occasions":[],"path":"{}/2000","relativePath":"2000",)"
-                            R"("type":"Year","value":2})"
-                            "\n";
+    const QByteArray json =
+        R"({"files":0,"occasions":[],"ownType":"Root","path":"{}","relativePath":"","tests":[],)"
+        R"("type":"Root","value":1})"
+        "\n"
+        R"({"files":0,"occasions":[],"ownType":"Year","path":"{}/2000","relativePath":"2000","tests":["year"],)"
+        R"("type":"Year","value":2})"
+        "\n";
     QTest::newRow("json") << u"--json"_s << json;
 }
 

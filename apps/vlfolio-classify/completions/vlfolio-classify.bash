@@ -15,7 +15,7 @@ _vlfolio_classify() {
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
     # options: begin
-    options='--open --no-open --list --json --summary --type --explain --locale -h --help -v --version'
+    options='--open --no-open --list --json --summary --why --type --explain --locale -h --help -v --version'
     case $previous in
     --type) words='Unknown Root Year Month Day Event ProjectFolder' ;;
     --locale) words=$(_vlfolio_classify_locales) ;;
