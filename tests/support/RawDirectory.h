@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QByteArrayList>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QString>
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include <fcntl.h>
 #include <ftw.h>
@@ -15,39 +17,84 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-/// A new directory, in memory where the system has a file system there, which is filled by system
-/// calls: Qt neither makes nor removes names that are not UTF-8. It is gone with the object.
+/// A new directory, in memory if the system has a file system there that can be written to. It is
+/// filled by system calls, as Qt neither makes nor removes names that are not UTF-8, and is gone
+/// with the object.
 class RawDirectory
 {
 public:
     RawDirectory()
     {
-        const QString memory = QStringLiteral("/dev/shm");
-        const QString parent = QDir(memory).exists() ? memory : QDir::tempPath();
-        QByteArray path = QFile::encodeName(QDir(parent).canonicalPath()) + "/XXXXXX";
-        m_isValid = mkdtemp(path.data()) != nullptr;
-        m_path = path;
+        for (const QString& parent : { QStringLiteral("/dev/shm"), QDir::tempPath() }) {
+            QByteArray path = QFile::encodeName(QDir(parent).canonicalPath()) + "/XXXXXX";
+            if (!m_path.isEmpty() || path.startsWith("/XXXXXX") || mkdtemp(path.data()) == nullptr)
+                continue;
+            m_path = path;
+        }
+        note(!m_path.isEmpty());
     }
     ~RawDirectory()
     {
+        for (const QByteArray& name : std::as_const(m_restricted))
+            chmod(bytes(name).constData(), S_IRWXU);
         if (!m_path.isEmpty())
             nftw(m_path.constData(), removeEntry, 16, FTW_DEPTH | FTW_PHYS);
     }
     Q_DISABLE_COPY_MOVE(RawDirectory)
 
-    /// False when something could not be made. errno says why.
-    [[nodiscard]] bool isValid() const { return m_isValid; }
-    [[nodiscard]] QString path() const { return QFile::decodeName(m_path); }
+    /// False when something could not be made; error() says why.
+    [[nodiscard]] bool isValid() const { return m_error == 0; }
+    [[nodiscard]] const char* error() const { return std::strerror(m_error); }
+    /// True if all that is missing are names that are not UTF-8, which some file systems refuse.
+    [[nodiscard]] bool lacksRawNames() const { return m_error == EILSEQ; }
+
+    [[nodiscard]] QString path(const QByteArray& name = {}) const
+    {
+        return QFile::decodeName(name.isEmpty() ? m_path : bytes(name));
+    }
     [[nodiscard]] QByteArray bytes(const QByteArray& name) const { return m_path + '/' + name; }
+
+    /// Makes entries as "ls -F" shows them: "folder/", with the folders above it, "file", "pipe|",
+    /// "socket=" and "link -> target".
+    RawDirectory& make(const QByteArrayList& entries)
+    {
+        for (const QByteArray& entry : entries) {
+            const QByteArray name = entry.chopped(1);
+            if (const qsizetype arrow = entry.indexOf(" -> "); arrow >= 0)
+                link(entry.first(arrow), entry.sliced(arrow + 4));
+            else if (entry.endsWith('/'))
+                folders(name);
+            else if (entry.endsWith('|'))
+                fifo(name);
+            else if (entry.endsWith('='))
+                socket(name);
+            else
+                file(entry);
+        }
+        return *this;
+    }
 
     RawDirectory& folder(const QByteArray& name)
     {
         return note(mkdir(bytes(name).constData(), S_IRWXU) == 0);
     }
 
-    RawDirectory& file(const QByteArray& name)
+    /// With the folders above it, all of which may be there already.
+    RawDirectory& folders(const QByteArray& name)
+    {
+        for (qsizetype end = 0; end >= 0;) {
+            end = name.indexOf('/', end + 1);
+            const QByteArray path = bytes(end < 0 ? name : name.first(end));
+            note(mkdir(path.constData(), S_IRWXU) == 0 || errno == EEXIST);
+        }
+        return *this;
+    }
+
+    RawDirectory& file(const QByteArray& name, const QByteArray& contents = {})
     {
         const int descriptor = open(bytes(name).constData(), O_CREAT | O_WRONLY, S_IRUSR | S_IWUSR);
+        const auto size = static_cast<std::size_t>(contents.size());
+        note(descriptor >= 0 && write(descriptor, contents.constData(), size) == contents.size());
         return note(descriptor >= 0 && close(descriptor) == 0);
     }
 
@@ -76,6 +123,13 @@ public:
         return note(descriptor >= 0 && close(descriptor) == 0);
     }
 
+    /// Gives \a name, the directory itself if it is empty, these rights, until the object is gone.
+    RawDirectory& restrict(const QByteArray& name, mode_t mode)
+    {
+        m_restricted.append(name);
+        return note(chmod(bytes(name).constData(), mode) == 0);
+    }
+
 private:
     static int removeEntry(const char* path, const struct stat* status, int type, FTW* position)
     {
@@ -87,10 +141,21 @@ private:
 
     RawDirectory& note(bool isMade)
     {
-        m_isValid = m_isValid && isMade;
+        if (!isMade && m_error == 0)
+            m_error = errno;
         return *this;
     }
 
     QByteArray m_path;
-    bool m_isValid = false;
+    QByteArrayList m_restricted;
+    int m_error = 0;
 };
+
+/// Ends a test function when \a tree lacks something. There is a file system without the names that
+/// are not UTF-8, and nothing to be done about it.
+#define VERIFY_MADE(tree)                                                                          \
+    do {                                                                                           \
+        if ((tree).lacksRawNames())                                                                \
+            QSKIP("This file system takes names in UTF-8 only: try another TMPDIR");               \
+        QVERIFY2((tree).isValid(), (tree).error());                                                \
+    } while (false)

@@ -2,11 +2,24 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QString>
-#include <QtCore/private/qabstractfileengine_p.h>
-#include <QtCore/private/qfsfileengine_p.h>
 
 #include <functional>
 #include <utility>
+
+#if !__has_include(<QtCore/private/qfsfileengine_p.h>)
+
+/// Takes the place of the class below where Qt's private headers are missing.
+class PathsAsGiven
+{
+public:
+    static constexpr bool isAvailable = false;
+    explicit PathsAsGiven(const QString&, const std::function<void(const QString&)>& = {}) { }
+};
+
+#else
+
+#    include <QtCore/private/qabstractfileengine_p.h>
+#    include <QtCore/private/qfsfileengine_p.h>
 
 /// Presents the relative paths that begin with a prefix, in any case, as if they were absolute,
 /// without "." and ".." as absolute paths are.
@@ -15,6 +28,7 @@
 class PathsAsGiven : public QAbstractFileEngineHandler
 {
 public:
+    static constexpr bool isAvailable = true;
     using Notify = std::function<void(const QString& path)>;
 
     /// \a notify, if any, is told each path whose absolute path is asked for.
@@ -69,3 +83,5 @@ private:
     QString m_prefix;
     Notify m_notify;
 };
+
+#endif

@@ -1,13 +1,9 @@
 #pragma once
 
-#include "WalkTree.h"
-
-#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
-
-#include <QtCore/QCoreApplication>
-
-#include <array>
-#include <optional>
+#include "ApplicationObject.h"
+#include "RawDirectory.h"
+#include "Walk.h"
+#include "WorkingDirectory.h"
 
 /// A collection that is walked as "photokit", where each folder may be waited for, and the
 /// application object, which can be brought to its end meanwhile.
@@ -15,22 +11,26 @@ class ShutdownTree
 {
 public:
     ShutdownTree()
-        : m_inside(m_tree.root())
+        : m_inside(m_tree.path())
     {
-        m_tree.folders({ QStringLiteral("photokit/a/1"), QStringLiteral("photokit/b/2"),
-                         QStringLiteral("photokit/c") });
-        m_application.emplace(m_argumentCount, m_arguments.data());
+        m_tree.make({ "photokit/a/1/", "photokit/b/2/", "photokit/c/" });
+        m_application.begin();
     }
 
     [[nodiscard]] bool isValid() const { return m_tree.isValid() && m_inside.isActive(); }
 
-    void endApplication() { m_application.reset(); }
+    void endApplication() { m_application.end(); }
 
     /// What a walk finds, as lines() has it.
     [[nodiscard]] QStringList walkedLines() const
     {
-        VLFolioEventClassifier classifier { QFileInfo(m_tree.path(QStringLiteral("elsewhere"))) };
-        return lines(classifier.eventFolderTypes(QFileInfo(QStringLiteral("photokit")), {}), {});
+        VLFolioEventClassifier classifier { QFileInfo(m_tree.path("elsewhere")) };
+        QStringList texts;
+        const QByteArrayList found =
+            lines(classifier.eventFolderTypes(QFileInfo(QStringLiteral("photokit")), {}), {});
+        for (const QByteArray& line : found)
+            texts.append(QString::fromUtf8(line));
+        return texts;
     }
 
     /// What it finds when the application ends in "photokit/b".
@@ -41,10 +41,7 @@ public:
     }
 
 private:
-    WalkTree m_tree;
+    RawDirectory m_tree;
     WorkingDirectory m_inside;
-    int m_argumentCount = 1;
-    std::array<char, 5> m_name { "test" };
-    std::array<char*, 2> m_arguments { m_name.data(), nullptr };
-    std::optional<QCoreApplication> m_application;
+    ApplicationObject m_application;
 };

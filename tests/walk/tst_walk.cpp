@@ -1,0 +1,858 @@
+#include "ApplicationObject.h"
+#include "PathsAsGiven.h"
+#include "RawDirectory.h"
+#include "Sanitizer.h"
+#include "UnprivilegedUser.h"
+#include "Walk.h"
+#include "WorkingDirectory.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QRegularExpression>
+#include <QtTest/QTest>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <type_traits>
+#include <utility>
+
+#include <pthread.h>
+#include <sys/mman.h>
+
+using namespace Qt::StringLiterals;
+
+using Type = VLEventFolderTypeEnum;
+using Result = VLEventFolderClassificationResult;
+using Classifier = VLFolioEventClassifier;
+
+static_assert(std::is_polymorphic_v<Classifier>);
+static_assert(std::has_virtual_destructor_v<Classifier>);
+static_assert(std::is_same_v<decltype(&Classifier::eventFolderTypes),
+                             QList<Result> (Classifier::*)(const QFileInfo&, const Result&)>);
+static_assert(std::is_same_v<decltype(&Classifier::contextDependentEventFolderType),
+                             Result (Classifier::*)(const QFileInfo&, const Result&)>);
+static_assert(std::is_same_v<decltype(std::declval<const Classifier&>().eventFolderType(
+                                 std::declval<const QFileInfo&>())),
+                             Result>);
+
+namespace {
+
+Type combined(Type a, Type b)
+{
+    return static_cast<Type>(static_cast<qint32>(a) | static_cast<qint32>(b));
+}
+
+// The result of a folder above, with what must not pass to those below it.
+Result parentOf(Type type)
+{
+    Result parent(QFileInfo(u"/parent"_s), type);
+    VLOccasionInfoList occasions;
+    occasions.append(VLOccasionInfo(u"Birthday"_s, u"Calendar"_s, 0.9));
+    parent.setOccasionInformation(occasions);
+    return parent;
+}
+
+Type ownTypeOf(const Classifier& classifier, const QString& path)
+{
+    return classifier.eventFolderType(QFileInfo(path)).classification().value();
+}
+
+bool haveNoOccasions(const QList<Result>& results)
+{
+    return std::all_of(results.cbegin(), results.cend(),
+                       [](const Result& result) { return result.occasionInformation().isEmpty(); });
+}
+
+// How often "/step" can be appended to a path before the system refuses it with this error.
+int stepsBefore(int error, QByteArray path, const QByteArray& step)
+{
+    struct stat status
+    {
+    };
+    int count = -1;
+    for (; stat(path.constData(), &status) == 0; path += '/' + step)
+        ++count;
+    return errno == error ? count : -1;
+}
+
+// Folders "d" in each other. It makes and removes them from within, as their paths grow longer than
+// the system takes.
+class DeepTree
+{
+public:
+    DeepTree(const QString& path, int depth)
+        : m_start(path)
+    {
+        while (m_depth < depth && mkdir("d", S_IRWXU) == 0 && chdir("d") == 0)
+            ++m_depth;
+    }
+    ~DeepTree()
+    {
+        while (m_depth > 0 && chdir("..") == 0 && rmdir("d") == 0)
+            --m_depth;
+    }
+    Q_DISABLE_COPY_MOVE(DeepTree)
+
+    [[nodiscard]] int depth() const { return m_depth; }
+
+private:
+    WorkingDirectory m_start;
+    int m_depth = 0;
+};
+
+// A walk on a thread whose stack shows afterwards how much of it was used.
+class WalkOnOwnStack
+{
+public:
+    explicit WalkOnOwnStack(const QString& root)
+        : m_root(root)
+    {
+        constexpr std::size_t size = 8 * 1024 * 1024;
+        void* const memory =
+            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (memory == MAP_FAILED)
+            qFatal("No memory for a stack");
+        auto* const stack = static_cast<unsigned char*>(memory);
+        std::memset(stack, untouched, size);
+        run(stack, size);
+        m_used = static_cast<std::size_t>(
+            stack + size
+            - std::find_if(stack, stack + size, [](unsigned char b) { return b != untouched; }));
+        munmap(memory, size);
+    }
+
+    [[nodiscard]] qsizetype resultCount() const { return m_resultCount; }
+    [[nodiscard]] std::size_t usedBytes() const { return m_used; }
+
+private:
+    static constexpr unsigned char untouched = 0xa5;
+
+    static void* work(void* self)
+    {
+        auto* const object = static_cast<WalkOnOwnStack*>(self);
+        object->m_resultCount = walk(object->m_root).size();
+        return nullptr;
+    }
+
+    void run(unsigned char* stack, std::size_t size)
+    {
+        pthread_attr_t attributes;
+        pthread_t thread;
+        if (pthread_attr_init(&attributes) != 0
+            || pthread_attr_setstack(&attributes, stack, size) != 0
+            || pthread_create(&thread, &attributes, work, this) != 0
+            || pthread_join(thread, nullptr) != 0) {
+            qFatal("No thread on a stack of its own");
+        }
+        pthread_attr_destroy(&attributes);
+    }
+
+    QString m_root;
+    std::size_t m_used = 0;
+    qsizetype m_resultCount = 0;
+};
+
+} // namespace
+
+// Runs without an application object until a function makes one.
+class tst_walk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+
+    void context_data();
+    void context();
+    void ownType_data();
+    void ownType();
+    void ownTypeOfDefaultConstructedRoot();
+    void rootInAnotherWorkingDirectory();
+    void linkToTheRootThatIsGone();
+
+    void tree_data();
+    void tree();
+    void start_data();
+    void start();
+    void linkCircle_data();
+    void linkCircle();
+    void unreadableFolder_data();
+    void unreadableFolder();
+    void deepestTree();
+    void deepestTreeFitsHalfAMegabyteOfStack();
+
+    void rootIsCopied();
+    void constructorDoesNotLook();
+    void walkListsAnew();
+
+    void photokitPath_data();
+    void photokitPath();
+    void photokitFolderStaysEventBelow_data();
+    void photokitFolderStaysEventBelow();
+    void equalityIsThatOfTheFileEngine();
+    void resultKeepsItsFileEngine();
+
+    void walkIsEmptyOnceTheApplicationIsGone();
+    void walkEndsAtTheNextFolderAndKeepsWhatItHas();
+
+private:
+    ApplicationObject m_application;
+};
+
+void tst_walk::initTestCase()
+{
+    // What was never there does not close down.
+    QVERIFY(QCoreApplication::instance() == nullptr);
+    QVERIFY(!QCoreApplication::closingDown());
+}
+
+void tst_walk::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".?"_s));
+}
+
+void tst_walk::context_data()
+{
+    struct Parent
+    {
+        const char* name;
+        Type type;
+    };
+    const QList<Parent> parents {
+        { "unknown", Type::Unknown },
+        { "root", Type::Root },
+        { "year", Type::Year },
+        { "month", Type::Month },
+        { "day", Type::Day },
+        { "event", Type::Event },
+        { "project", Type::ProjectFolder },
+        { "year_and_month", combined(Type::Year, Type::Month) },
+        { "year_and_event", combined(Type::Year, Type::Event) },
+        { "day_and_event", combined(Type::Day, Type::Event) },
+        { "all_flags", static_cast<Type>(63) },
+        { "no_flag_of_ours", static_cast<Type>(64) },
+    };
+    constexpr auto U = Type::Unknown;
+    constexpr auto R = Type::Root;
+    constexpr auto Y = Type::Year;
+    constexpr auto M = Type::Month;
+    constexpr auto D = Type::Day;
+    constexpr auto E = Type::Event;
+    constexpr auto P = Type::ProjectFolder;
+    struct Row
+    {
+        QList<Type> byParent;
+        const char* name;
+        QString folder;
+    };
+    const QList<Row> rows {
+        // U  R  Y  M  D  E  P  and the combinations
+        { { U, U, E, E, U, U, U, U, U, U, U, U }, "unknown", u"/pictures/Beach"_s },
+        { { Y, Y, E, E, Y, Y, Y, Y, Y, Y, Y, Y }, "year", u"/pictures/2019"_s },
+        { { M, M, M, E, M, M, M, M, M, M, M, M }, "month", u"/pictures/07"_s },
+        { { E, E, E, E, E, D, E, E, E, E, E, E }, "day", u"pictures/../2019-07-14"_s },
+        { { R, R, R, R, R, R, R, R, R, R, R, R }, "root", u"/"_s },
+        { { P, P, P, P, P, P, P, P, P, P, P, P }, "project", u"x_vlp-Dateien"_s },
+    };
+
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<VLEventFolderTypeEnum>("parent");
+    QTest::addColumn<VLEventFolderTypeEnum>("type");
+    for (const Row& row : rows) {
+        for (qsizetype i = 0; i < parents.size(); ++i) {
+            QTest::addRow("%s_below_%s", row.name, parents.at(i).name)
+                << row.folder << parents.at(i).type << row.byParent.at(i);
+        }
+    }
+}
+
+// The result has the directory as it was given, and no occasions.
+void tst_walk::context()
+{
+    QFETCH(const QString, folder);
+    QFETCH(const VLEventFolderTypeEnum, parent);
+    QFETCH(const VLEventFolderTypeEnum, type);
+
+    Classifier classifier(QFileInfo(u"/"_s));
+    const Result above = parentOf(parent);
+    const Result result = classifier.contextDependentEventFolderType(QFileInfo(folder), above);
+    QCOMPARE(result.classification().value(), type);
+    QCOMPARE(result.directory().filePath(), folder);
+    QCOMPARE(result.occasionInformation().size(), 0);
+    QCOMPARE(above.occasionInformation().size(), 1);
+}
+
+void tst_walk::ownType_data()
+{
+    QTest::addColumn<QByteArray>("root");
+    QTest::addColumn<QString>("path");
+    QTest::addColumn<VLEventFolderTypeEnum>("type");
+
+    const auto row = [](const char* name, const char* root, const QString& path, Type type) {
+        QTest::newRow(name) << QByteArray(root) << path << type;
+    };
+    row("root", "pics", u"pics"_s, Type::Root);
+    row("root_with_trailing_slash", "pics", u"pics/"_s, Type::Root);
+    row("root_through_dot", "pics", u"./pics/."_s, Type::Root);
+    row("root_through_its_child", "pics", u"pics/2019/.."_s, Type::Root);
+    row("root_through_link_beside_it", "pics", u"pics/2019/../back"_s, Type::Root);
+    row("root_through_link_with_a_date", "pics", u"pics/2019-07-14"_s, Type::Root);
+    row("root_in_capitals_is_another", "pics", u"PICS"_s, Type::Unknown);
+    row("name_of_the_root_elsewhere", "pics", u"pics/2019/pics"_s, Type::Unknown);
+    row("above_root", "pics", u"."_s, Type::Unknown);
+    row("year", "pics", u"pics/2019"_s, Type::Year);
+    row("year_with_trailing_slash_has_no_name", "pics", u"pics/2019/"_s, Type::Unknown);
+    row("month", "pics", u"pics/2019/07"_s, Type::Month);
+    row("day_below_month", "pics", u"pics/2019/07/2019-07-14"_s, Type::Day);
+    row("unknown_below_year", "pics", u"pics/2019/Beach"_s, Type::Unknown);
+    row("project", "pics", u"pics/2019-07-14_vlp-Dateien"_s, Type::ProjectFolder);
+    row("only_the_last_part_is_the_name", "pics", u"2019/07/2019-07-14/Beach"_s, Type::Unknown);
+    row("photokit_is_no_absolute_path", "pics", u"photokit"_s, Type::Unknown);
+    row("photokit_with_year_is_no_absolute_path", "pics", u"photokit/2019"_s, Type::Year);
+    row("file", "pics", u"pics/2018"_s, Type::Year);
+    // To Qt, two files that do not exist are the same.
+    row("missing_root", "missing", u"missing"_s, Type::Root);
+    row("all_that_is_missing_is_the_missing_root", "missing", u"missing, too"_s, Type::Root);
+    row("what_is_missing_below_it_also", "missing", u"missing/2018"_s, Type::Root);
+    row("what_is_there_is_not_the_missing_root", "missing", u"pics/2019"_s, Type::Year);
+    row("root_of_the_file_system", "/", u"/"_s, Type::Root);
+    row("root_of_the_file_system_through_dot", "/", u"/."_s, Type::Root);
+    row("above_the_root_of_the_file_system", "/", u"/.."_s, Type::Root);
+    row("below_the_root_of_the_file_system", "/", u"/2019"_s, Type::Year);
+    // The system follows a link before it goes up again; a path without ".." would lead elsewhere.
+    row("folder_above_the_target_of_a_link", "other/x", u"pics/link/../x"_s, Type::Root);
+    row("link_above_the_target_of_a_link", "other/x", u"pics/link/../y"_s, Type::Root);
+}
+
+void tst_walk::ownType()
+{
+    QFETCH(const QByteArray, root);
+    QFETCH(const QString, path);
+    QFETCH(const VLEventFolderTypeEnum, type);
+
+    RawDirectory tree;
+    tree.make({ "PICS/", "pics/2019/07/", "pics/2019/pics/", "pics/x/", "pics/y/", "pics/2018",
+                "pics/back -> ../pics", "pics/2019-07-14 -> .", "other/sub/", "other/x/",
+                "pics/link -> ../other/sub", "other/y -> x" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const WorkingDirectory inside(tree.path());
+    QVERIFY(inside.isActive());
+
+    const Classifier classifier { QFileInfo(root == "/" ? u"/"_s : tree.path(root)) };
+    const Result result = classifier.eventFolderType(QFileInfo(path));
+    QCOMPARE(result.classification().value(), type);
+    QCOMPARE(result.directory().filePath(), path);
+    QCOMPARE(result.occasionInformation().size(), 0);
+}
+
+void tst_walk::ownTypeOfDefaultConstructedRoot()
+{
+    const QFileInfo root;
+    const Classifier classifier(root);
+    QCOMPARE(classifier.eventFolderType(QFileInfo(root)).classification().value(), Type::Root);
+    QCOMPARE(classifier.eventFolderType(QFileInfo()).classification().value(), Type::Unknown);
+    QCOMPARE(ownTypeOf(classifier, u"."_s), Type::Unknown);
+}
+
+// One path is one directory to QFileInfo, wherever it leads to by now.
+void tst_walk::rootInAnotherWorkingDirectory()
+{
+    RawDirectory tree;
+    tree.make({ "one/a/", "one/b/", "two/a/" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const WorkingDirectory one(tree.path("one"));
+    QVERIFY(one.isActive());
+    const Classifier classifier { QFileInfo(u"a"_s) };
+    QCOMPARE(ownTypeOf(classifier, u"b"_s), Type::Unknown);
+
+    const WorkingDirectory two(tree.path("two"));
+    QVERIFY(two.isActive());
+    QCOMPARE(ownTypeOf(classifier, u"a"_s), Type::Root);
+}
+
+// What QFileInfo has found out counts for as long as it keeps that.
+void tst_walk::linkToTheRootThatIsGone()
+{
+    RawDirectory tree;
+    tree.make({ "pics/", "link -> pics" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const QFileInfo link(tree.path("link"));
+    QVERIFY(link.isSymLink());
+    QCOMPARE(link.canonicalFilePath(), tree.path("pics"));
+    QVERIFY(QFile::remove(link.filePath()));
+
+    const Classifier classifier { QFileInfo(tree.path("pics")) };
+    QCOMPARE(classifier.eventFolderType(link).classification().value(), Type::Root);
+}
+
+void tst_walk::tree_data()
+{
+    QTest::addColumn<QByteArrayList>("entries");
+    QTest::addColumn<QByteArrayList>("expected");
+
+    const auto row = [](const char* name, const QByteArrayList& entries,
+                        const QByteArrayList& expected) {
+        QTest::newRow(name) << entries << expected;
+    };
+    row("empty_root", {}, { " Root" });
+    row("each_rule_in_a_tree",
+        { "2019/07/Beach/2019-07-15/", "2019/07/Beach/Shots/", "2019/2019-08-01/", "2019/2020/08/",
+          "Misc/2019-07-14/" },
+        { " Root", "/2019 Year", "/2019/07 Month", "/2019/07/Beach Event",
+          "/2019/07/Beach/2019-07-15 Day", "/2019/07/Beach/Shots Unknown", "/2019/2019-08-01 Event",
+          "/2019/2020 Event", "/2019/2020/08 Month", "/Misc Unknown", "/Misc/2019-07-14 Event" });
+    row("corrected_type_of_the_parent_counts",
+        { "2019/2020/2021/Beach/", "2019-07-14/2019-07-15/2019-07-16/", "07/08/09/Beach/",
+          "x_vlp-Dateien/Beach/2019/" },
+        { " Root", "/07 Month", "/07/08 Event", "/07/08/09 Month", "/07/08/09/Beach Event",
+          "/2019 Year", "/2019/2020 Event", "/2019/2020/2021 Year", "/2019/2020/2021/Beach Event",
+          "/2019-07-14 Event", "/2019-07-14/2019-07-15 Day",
+          "/2019-07-14/2019-07-15/2019-07-16 Event", "/x_vlp-Dateien ProjectFolder",
+          "/x_vlp-Dateien/Beach Unknown", "/x_vlp-Dateien/Beach/2019 Year" });
+    row("pre_order", { "a/a/a/", "a/b/", "b/a/", "c/" },
+        { " Root", "/a Unknown", "/a/a Unknown", "/a/a/a Unknown", "/a/b Unknown", "/b Unknown",
+          "/b/a Unknown", "/c Unknown" });
+    // Capitals before small letters, 10 before 9, what lies outside the basic plane before the
+    // fullwidth letters. A folder's tree is whole before its neighbours "2019-x" and "C D".
+    row("order_of_utf_16_code_units",
+        { "a/", "B/", "Z/", "_/", "9/", "10/", "2019-x/", "2019/01/", "C D/", "CD/", "C/x/",
+          "\uff21/", "\U0001f600/", "\u00e9/", "e\u0301/", "y/" },
+        { " Root", "/10 Month", "/2019 Year", "/2019/01 Month", "/2019-x Year", "/9 Month",
+          "/B Unknown", "/C Unknown", "/C/x Unknown", "/C D Unknown", "/CD Unknown", "/Z Unknown",
+          "/_ Unknown", "/a Unknown", "/e\u0301 Unknown", "/y Unknown", "/\u00e9 Unknown",
+          "/\U0001f600 Unknown", "/\uff21 Unknown" });
+    row("hidden_folders_are_left_out",
+        { ".hidden/2019/07/", "2018/.2018-07-14/Beach/", ".../", "2019/", ".link -> 2019",
+          "link -> .hidden" },
+        { " Root", "/2018 Year", "/2019 Year", "/link Unknown", "/link/2019 Year",
+          "/link/2019/07 Month" });
+    row("files_pipes_and_sockets_are_ignored",
+        { "2019/", "2018", "2019/07", "a.jpg", "2017 -> 2018", "2016|", "2015=" },
+        { " Root", "/2019 Year" });
+    // So does QDir: only a link to a file is none to a folder. Nothing is below such a "folder".
+    row("links_to_pipes_sockets_and_devices_are_listed",
+        { "pipe|", "socket=", "to_pipe -> pipe", "to_socket -> socket", "to_null -> /dev/null",
+          "to_zero -> /dev/zero" },
+        { " Root", "/to_null Unknown", "/to_pipe Unknown", "/to_socket Unknown",
+          "/to_zero Unknown" });
+    row("links_to_folders_are_followed",
+        { "2019/07/", ".elsewhere/Beach/2019-07-14/", "2019/Rome -> ../.elsewhere",
+          "twice -> 2019/Rome" },
+        { " Root", "/2019 Year", "/2019/07 Month", "/2019/Rome Event", "/2019/Rome/Beach Unknown",
+          "/2019/Rome/Beach/2019-07-14 Event", "/twice Unknown", "/twice/Beach Unknown",
+          "/twice/Beach/2019-07-14 Event" });
+    row("dangling_links_are_ignored",
+        { "2019/", "2018 -> nowhere", "2017 -> 2017", "2016 -> 2018",
+          "2019/07 -> ../../nowhere/07" },
+        { " Root", "/2019 Year" });
+}
+
+void tst_walk::tree()
+{
+    QFETCH(const QByteArrayList, entries);
+    QFETCH(const QByteArrayList, expected);
+
+    RawDirectory directory;
+    QVERIFY2(directory.make(entries).isValid(), directory.error());
+    const QList<Result> results = walk(directory.path());
+    QCOMPARE(lines(results, directory.path()), expected);
+    QVERIFY(haveNoOccasions(results));
+}
+
+void tst_walk::start_data()
+{
+    // "@" is the directory above, "pics" the working directory.
+    QTest::addColumn<QString>("root");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<VLEventFolderTypeEnum>("parent");
+    QTest::addColumn<QByteArrayList>("expected");
+
+    const auto root = [](const char* name, const QString& path, const QByteArrayList& expected) {
+        QTest::newRow(name) << path << path << Type::Unknown << expected;
+    };
+    const QByteArrayList whole { "/pics Root", "/pics/2019 Year", "/pics/2019/07 Month",
+                                 "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" };
+    root("absolute_root", u"@/pics"_s, whole);
+    root("relative_root", u"../pics"_s, whole);
+    root("working_directory_as_root", u"."_s, whole);
+    root("root_with_trailing_slash", u"@/two/"_s, { "/two/ Root", "/two/07 Month" });
+    root("link_as_root", u"@/2018"_s,
+         { "/2018 Root", "/2018/2019 Year", "/2018/2019/07 Month", "/2018/Beach Unknown",
+           "/2018/Beach/2019-07-14 Event" });
+    root("root_named_like_a_date", u"2019-07-14"_s, { "/pics/2019-07-14 Root" });
+    root("missing_root", u"@/2019-07-14"_s, { "/2019-07-14 Root" });
+    root("file_as_root", u"@/2017"_s, { "/2017 Root" });
+    root("pipe_as_root", u"@/2016"_s, { "/2016 Root" });
+
+    const auto other = [](const char* name, const QString& rootPath, const QString& start,
+                          Type parent, const QByteArrayList& expected) {
+        QTest::newRow(name) << rootPath << start << parent << expected;
+    };
+    // Where a walk starts is no root by that.
+    other("start_outside_the_root", u"@/two"_s, u"@/pics"_s, Type::Unknown,
+          { "/pics Unknown", "/pics/2019 Year", "/pics/2019/07 Month", "/pics/Beach Unknown",
+            "/pics/Beach/2019-07-14 Event" });
+    other("start_above_the_root", u"@/pics/2019"_s, u"@/pics"_s, Type::Unknown,
+          { "/pics Unknown", "/pics/2019 Root", "/pics/2019/07 Month", "/pics/Beach Unknown",
+            "/pics/Beach/2019-07-14 Event" });
+    other("start_below_a_month", u"@/pics"_s, u"Beach"_s, Type::Month,
+          { "/pics/Beach Event", "/pics/Beach/2019-07-14 Day" });
+    other("start_below_unknown", u"@/pics"_s, u"Beach"_s, Type::Unknown,
+          { "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" });
+    other("start_below_a_combination", u"@/pics"_s, u"Beach"_s, combined(Type::Year, Type::Month),
+          { "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" });
+    // A directory without a path is the working directory, but has none in its result.
+    QTest::newRow("default_constructed_root")
+        << QString() << QString() << Type::Unknown
+        << QByteArrayList { " Root", "/pics/2019 Year", "/pics/2019/07 Month",
+                            "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" };
+}
+
+void tst_walk::start()
+{
+    QFETCH(QString, root);
+    QFETCH(QString, start);
+    QFETCH(const VLEventFolderTypeEnum, parent);
+    QFETCH(const QByteArrayList, expected);
+
+    RawDirectory tree;
+    tree.make(
+        { "pics/2019/07/", "pics/Beach/2019-07-14/", "two/07/", "2018 -> pics", "2017", "2016|" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const WorkingDirectory inside(tree.path("pics"));
+    QVERIFY(inside.isActive());
+    const QFileInfo rootInfo(root.replace(u'@', tree.path()));
+    const bool isRoot = root == start.replace(u'@', tree.path());
+    Classifier classifier(rootInfo);
+    const QFileInfo startInfo = isRoot ? rootInfo : QFileInfo(start);
+
+    QCOMPARE(lines(classifier.eventFolderTypes(startInfo, parentOf(parent)), tree.path()),
+             expected);
+}
+
+void tst_walk::linkCircle_data()
+{
+    QTest::addColumn<QByteArrayList>("entries");
+    QTest::addColumn<QByteArrayList>("begin");
+    QTest::addColumn<int>("resultsPerLink");
+    QTest::addColumn<int>("otherResults");
+
+    // The root and the folder once, and then the link in each of its own steps.
+    QTest::newRow("link_to_its_own_folder")
+        << QByteArrayList { "2019/", "2019/2020 -> ../2019" }
+        << QByteArrayList { " Root", "/2019 Year", "/2019/2020 Event", "/2019/2020/2020 Year",
+                            "/2019/2020/2020/2020 Event" }
+        << 1 << 2;
+    // Each step is the root again, whatever the link is called, and shows the folder.
+    QTest::newRow("link_to_the_root")
+        << QByteArrayList { "Beach/", "2019 -> ." }
+        << QByteArrayList { " Root", "/2019 Root", "/2019/2019 Root" } << 2 << 2;
+    QTest::newRow("link_to_the_folder_above")
+        << QByteArrayList { "2019/", "2019/x -> .." }
+        << QByteArrayList { " Root", "/2019 Year", "/2019/x Root", "/2019/x/2019 Year" } << 2 << 2;
+    // One chain begins in each of the folders.
+    QTest::newRow("two_folders_that_link_to_each_other")
+        << QByteArrayList { "2019/", "2020/", "2019/x -> ../2020", "2020/x -> ../2019" }
+        << QByteArrayList { " Root", "/2019 Year", "/2019/x Event", "/2019/x/x Unknown" } << 2 << 3;
+    // No listing by itself meets more than one link: those in the whole path count.
+    QTest::newRow("beside_a_name_that_is_not_utf_8")
+        << QByteArrayList { "\xff/", "circle -> ." } << QByteArrayList { " Root", "/circle Root" }
+        << 1 << 1;
+}
+
+// Nothing but the system's limit ends them.
+void tst_walk::linkCircle()
+{
+    QFETCH(const QByteArrayList, entries);
+    QFETCH(const QByteArrayList, begin);
+    QFETCH(const int, resultsPerLink);
+    QFETCH(const int, otherResults);
+
+    RawDirectory limits;
+    const int limit = stepsBefore(ELOOP, limits.make({ "step -> ." }).bytes("."), "step");
+#ifdef Q_OS_LINUX
+    QCOMPARE(limit, 40);
+#endif
+    RawDirectory directory;
+    directory.make(entries);
+    VERIFY_MADE(directory);
+    const QByteArrayList found = walkedLines(directory.path());
+    QCOMPARE(found.mid(0, begin.size()), begin);
+    QCOMPARE(found.size(), limit * resultsPerLink + otherResults);
+}
+
+void tst_walk::unreadableFolder_data()
+{
+    QTest::addColumn<QByteArray>("folder");
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QByteArrayList>("expected");
+
+    const QByteArrayList without2018 { " Root", "/2018 Year", "/2019 Year", "/2019/07 Month" };
+    QTest::newRow("without_any_right") << QByteArray("2018") << 0 << without2018;
+    QTest::newRow("may_be_entered_but_not_read") << QByteArray("2018") << 0111 << without2018;
+    QTest::newRow("root") << QByteArray() << 0 << QByteArrayList { " Root" };
+}
+
+void tst_walk::unreadableFolder()
+{
+    QFETCH(const QByteArray, folder);
+    QFETCH(const int, mode);
+    QFETCH(const QByteArrayList, expected);
+
+    RawDirectory tree;
+    tree.make({ "2018/07/Beach/", "2019/07/" });
+    for (const char* const open : { "", "2018", "2018/07", "2018/07/Beach", "2019", "2019/07" })
+        tree.restrict(open, 0777);
+    QVERIFY2(tree.restrict(folder, static_cast<mode_t>(mode)).isValid(), tree.error());
+    QByteArrayList found;
+    bool isActive = false;
+    {
+        const UnprivilegedUser user;
+        isActive = user.isActive();
+        found = walkedLines(tree.path());
+    }
+    if (!isActive)
+        QSKIP("The superuser cannot give up its rights here: run the test as another user");
+    QCOMPARE(found, expected);
+}
+
+// A path that the system refuses has no subdirectories. The last one that it takes may still name
+// one.
+void tst_walk::deepestTree()
+{
+    const RawDirectory directory;
+    const DeepTree deep(directory.path(), 2'100);
+    QCOMPARE(deep.depth(), 2'100);
+    const int steps = stepsBefore(ENAMETOOLONG, directory.bytes("."), "d");
+    QVERIFY(steps > 100);
+    QVERIFY(steps < 2'100);
+
+    const QByteArrayList found = walkedLines(directory.path());
+    QCOMPARE(found.mid(0, 3), (QByteArrayList { " Root", "/d Unknown", "/d/d Unknown" }));
+    QVERIFY2(found.size() == steps + 1 || found.size() == steps + 2 || found.size() == steps + 3,
+             qPrintable(u"%1 results, %2 steps"_s.arg(found.size()).arg(steps)));
+}
+
+// The stack of a secondary thread where it is smallest, macOS.
+void tst_walk::deepestTreeFitsHalfAMegabyteOfStack()
+{
+#ifndef __OPTIMIZE__
+    QSKIP("Not built with optimization: use a Release build");
+#endif
+    if (underSanitizer)
+        QSKIP("A sanitizer takes stack of its own: use a build without one");
+    const RawDirectory directory;
+    const DeepTree deep(directory.path(), 2'100);
+    const WalkOnOwnStack found(directory.path());
+    QVERIFY(found.resultCount() > 100);
+    qInfo("%lld results, %zu bytes of stack", static_cast<long long>(found.resultCount()),
+          found.usedBytes());
+    QVERIFY(found.usedBytes() < 512UL * 1024);
+}
+
+void tst_walk::rootIsCopied()
+{
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "2019/" }).isValid(), tree.error());
+    QFileInfo root(tree.path());
+    Classifier classifier(root);
+    root.setFile(tree.path("2019"));
+    QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(tree.path()), {}), tree.path()),
+             (QByteArrayList { " Root", "/2019 Year" }));
+}
+
+void tst_walk::constructorDoesNotLook()
+{
+    RawDirectory tree;
+    const QFileInfo root(tree.path("later"));
+    Classifier classifier(root);
+    QVERIFY2(tree.make({ "later/2019/" }).isValid(), tree.error());
+    QCOMPARE(lines(classifier.eventFolderTypes(root, {}), tree.path()),
+             (QByteArrayList { "/later Root", "/later/2019 Year" }));
+}
+
+void tst_walk::walkListsAnew()
+{
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "2018/Beach/" }).isValid(), tree.error());
+    const QFileInfo root(tree.path());
+    Classifier classifier(root);
+    const auto found = [&classifier, &root, &tree] {
+        return lines(classifier.eventFolderTypes(root, {}), tree.path());
+    };
+    const QByteArrayList first { " Root", "/2018 Year", "/2018/Beach Event" };
+    QCOMPARE(found(), first);
+    QCOMPARE(found(), first);
+
+    // Neither another start nor another parent is remembered.
+    const QFileInfo below(tree.path("2018/Beach"));
+    QCOMPARE(classifier.eventFolderTypes(below, parentOf(Type::Day)).size(), 1);
+    QVERIFY(QDir(tree.path("2018")).rmdir(u"Beach"_s));
+    QVERIFY2(tree.make({ "2018/07/", "2019/" }).isValid(), tree.error());
+    QCOMPARE(found(), (QByteArrayList { " Root", "/2018 Year", "/2018/07 Month", "/2019 Year" }));
+}
+
+void tst_walk::walkIsEmptyOnceTheApplicationIsGone()
+{
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "2019/07/" }).isValid(), tree.error());
+    const QByteArrayList whole { " Root", "/2019 Year", "/2019/07 Month" };
+    m_application.begin();
+    QCOMPARE(walkedLines(tree.path()), whole);
+
+    m_application.end();
+    QVERIFY(QCoreApplication::closingDown());
+    QCOMPARE(walkedLines(tree.path()), QByteArrayList());
+    // The questions about a single folder are still answered.
+    Classifier classifier { QFileInfo(tree.path()) };
+    QCOMPARE(classifier.contextDependentEventFolderType(QFileInfo(tree.path()), {})
+                 .classification()
+                 .value(),
+             Type::Root);
+    QCOMPARE(classifier.eventFolderType(u"2019"_s).value(), Type::Year);
+
+    m_application.begin();
+    QCOMPARE(walkedLines(tree.path()), whole);
+}
+
+// What is asked of the system in one folder ends the application.
+void tst_walk::walkEndsAtTheNextFolderAndKeepsWhatItHas()
+{
+    if (!PathsAsGiven::isAvailable)
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
+    RawDirectory tree;
+    tree.make({ "photokit/a/1/", "photokit/b/2/", "photokit/c/" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const WorkingDirectory inside(tree.path());
+    QVERIFY(inside.isActive());
+    m_application.begin();
+    QStringList asked;
+    const PathsAsGiven engine(u"photokit"_s, [this, &asked](const QString& path) {
+        if (path == u"photokit/b")
+            m_application.end();
+        asked.append(path);
+    });
+    Classifier classifier { QFileInfo(tree.path()) };
+
+    QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(u"photokit"_s), {}), {}),
+             (QByteArrayList { "photokit Event", "photokit/a Event", "photokit/a/1 Event",
+                               "photokit/b Event" }));
+    // Of the folders that follow nothing is asked but whether to go on.
+    QVERIFY(asked.contains(u"photokit/b"_s));
+    QVERIFY(!asked.contains(u"photokit/b/2"_s));
+    QVERIFY(!asked.contains(u"photokit/c"_s));
+    m_application.begin();
+}
+
+void tst_walk::photokitPath_data()
+{
+    QTest::addColumn<bool>("isPresented");
+    QTest::addColumn<QString>("root");
+    QTest::addColumn<QString>("start");
+    QTest::addColumn<QByteArrayList>("expected");
+
+    const QString elsewhere = u"elsewhere"_s;
+    QTest::newRow("event_whatever_the_name")
+        << true << elsewhere << u"photokit"_s
+        << QByteArrayList { "photokit Event", "photokit/2019 Event", "photokit/2019/07 Event",
+                            "photokit/2019/07/2019-07-14 Event", "photokit/x_vlp-Dateien Event" };
+    QTest::newRow("prefix_of_a_longer_name")
+        << true << elsewhere << u"photokitten"_s
+        << QByteArrayList { "photokitten Event", "photokitten/2019 Event" };
+    QTest::newRow("root_is_root_first")
+        << true << u"photokit/2019/07"_s << u"photokit/2019/07"_s
+        << QByteArrayList { "photokit/2019/07 Root", "photokit/2019/07/2019-07-14 Event" };
+    QTest::newRow("prefix_is_case_sensitive")
+        << true << elsewhere << u"Photokit"_s
+        << QByteArrayList { "Photokit Unknown", "Photokit/2019 Year", "Photokit/2019/07 Month" };
+    // To the system the same path is a file like any other.
+    QTest::newRow("absolute_path_counts")
+        << false << elsewhere << u"photokitten"_s
+        << QByteArrayList { "/photokitten Unknown", "/photokitten/2019 Year" };
+}
+
+void tst_walk::photokitPath()
+{
+    if (!PathsAsGiven::isAvailable)
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
+    QFETCH(const bool, isPresented);
+    QFETCH(const QString, root);
+    QFETCH(const QString, start);
+    QFETCH(const QByteArrayList, expected);
+
+    RawDirectory tree;
+    tree.make({ "photokit/2019/07/2019-07-14/", "photokit/x_vlp-Dateien/", "photokitten/2019/",
+                "Photokit/2019/07/" });
+    QVERIFY2(tree.isValid(), tree.error());
+    const WorkingDirectory inside(tree.path());
+    QVERIFY(inside.isActive());
+    const PathsAsGiven engine(isPresented ? u"photokit"_s : u"nothing"_s);
+    Classifier classifier { QFileInfo(root) };
+    tree.make({ "elsewhere/" });
+
+    QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(start), {}), tree.path()), expected);
+}
+
+void tst_walk::photokitFolderStaysEventBelow_data()
+{
+    QTest::addColumn<VLEventFolderTypeEnum>("parent");
+
+    for (const Type parent : { Type::Unknown, Type::Root, Type::Year, Type::Month, Type::Day,
+                               Type::Event, Type::ProjectFolder, static_cast<Type>(63) })
+        QTest::addRow("%s", qPrintable(typeName(parent))) << parent;
+}
+
+void tst_walk::photokitFolderStaysEventBelow()
+{
+    if (!PathsAsGiven::isAvailable)
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
+    QFETCH(const VLEventFolderTypeEnum, parent);
+
+    const PathsAsGiven engine(u"photokit"_s);
+    Classifier classifier { QFileInfo(u"/"_s) };
+    const Result result = classifier.contextDependentEventFolderType(
+        QFileInfo(u"photokit/./2019-07-14"_s), parentOf(parent));
+    QCOMPARE(result.classification().value(), Type::Event);
+    QCOMPARE(result.directory().filePath(), u"photokit/./2019-07-14"_s);
+    QCOMPARE(result.directory().absoluteFilePath(), u"photokit/2019-07-14"_s);
+    QCOMPARE(result.occasionInformation().size(), 0);
+}
+
+// What the root is, is asked of the engine, whatever the paths are to the system.
+void tst_walk::equalityIsThatOfTheFileEngine()
+{
+    if (!PathsAsGiven::isAvailable)
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "photokit/Beach/", "Photokit/" }).isValid(), tree.error());
+    const WorkingDirectory inside(tree.path());
+    QVERIFY(inside.isActive());
+    const PathsAsGiven engine(u"photokit"_s);
+    const Classifier classifier { QFileInfo(u"photokit"_s) };
+
+    QCOMPARE(ownTypeOf(classifier, u"photokit"_s), Type::Root);
+    QCOMPARE(ownTypeOf(classifier, u"Photokit"_s), Type::Root);
+    QCOMPARE(ownTypeOf(classifier, u"photokit/Beach"_s), Type::Event);
+    QCOMPARE(ownTypeOf(classifier, tree.path("photokit")), Type::Unknown);
+}
+
+// Once it was made, also where the engine is no more asked for new files.
+void tst_walk::resultKeepsItsFileEngine()
+{
+    if (!PathsAsGiven::isAvailable)
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
+    Result first;
+    Result second;
+    {
+        const PathsAsGiven engine(u"/photokit"_s);
+        first = Result(QFileInfo(u"/photokit/2018"_s), Type::Year);
+        second = Result(QFileInfo(u"/photokit/2019"_s), Type::Year);
+    }
+    // To the system neither is there, and all that is not there is the same.
+    QVERIFY(!(first == second));
+}
+
+QTEST_APPLESS_MAIN(tst_walk)
+#include "tst_walk.moc"
