@@ -59,3 +59,11 @@ function(vl_add_test_entry entry target locale)
         TIMEOUT 300
     )
 endfunction()
+
+# vl_add_skipped_test(NAME REASON COMMAND)
+#
+# Stands for what cannot be built or run here, so that ./test tells of it: why, and how to get it.
+function(vl_add_skipped_test name reason command)
+    add_test(NAME ${name} COMMAND "${CMAKE_COMMAND}" -E echo "skipped: ${reason}; ${command}")
+    set_tests_properties(${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^skipped: ")
+endfunction()

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# Completion for bash, down to 3.2. scripts/fill-options writes the options.
+# Completion for bash, down to 3.2.
 
 _vlfolio_classify_locales() {
     locale -a | sed -e /@/d -e 's/\..*//' | sort -u
@@ -14,13 +14,11 @@ _vlfolio_classify() {
     elif [ "$previous" = = ]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
-    # options: begin
     options='--open --no-open --list --json --summary --why --type --explain --locale -h --help -v --version'
     case $previous in
     --type) words='Unknown Root Year Month Day Event ProjectFolder' ;;
     --locale) words=$(_vlfolio_classify_locales) ;;
     esac
-    # options: end
     if [ -n "$words" ]; then
         # A value is no directory. Older shells cannot be told.
         compopt +o dirnames 2>/dev/null

@@ -1,11 +1,10 @@
-# Completion for fish. scripts/fill-options writes the options.
+# Completion for fish.
 
 function __vlfolio_classify_locales
     locale -a | sed -e /@/d -e 's/\..*//' | sort -u
 end
 
 complete -c vlfolio-classify -f -a '(__fish_complete_directories)'
-# options: begin
 complete -c vlfolio-classify -l open -d 'Open the report even without a desktop or with markup in it.'
 complete -c vlfolio-classify -l no-open -d 'Do not open the report.'
 complete -c vlfolio-classify -l list -d 'Write no report; print a line for each folder.'
@@ -17,4 +16,3 @@ complete -c vlfolio-classify -l explain -d 'Take the arguments as folder names a
 complete -c vlfolio-classify -l locale -x -a '(__vlfolio_classify_locales)' -d 'Read dates and names of days and months in this language, for example de_DE.'
 complete -c vlfolio-classify -s h -l help -d 'Show this help.'
 complete -c vlfolio-classify -s v -l version -d 'Show the version.'
-# options: end
