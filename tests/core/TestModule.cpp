@@ -3,13 +3,14 @@
 #include <VLCore/VLSingleton.h>
 #include <VLFolioEventClassifier/VLEventFolderType.h>
 
-// What this module takes for the shared objects of the process. The tests find these functions by
+// What this module takes for the shared objects of the process. The test finds these functions by
 // name with dlsym().
 extern "C" {
 
 Q_DECL_EXPORT const void* moduleLogger();
 Q_DECL_EXPORT const void* moduleTypeTable();
 Q_DECL_EXPORT const void* modulePlatform();
+Q_DECL_EXPORT const void* moduleSetPlatform();
 
 const void* moduleLogger()
 {
@@ -24,5 +25,12 @@ const void* moduleTypeTable()
 const void* modulePlatform()
 {
     return VLPlatformIndependent::instance();
+}
+
+const void* moduleSetPlatform()
+{
+    static VLPlatformIndependent ofModule;
+    VLPlatformIndependent::setInstance(&ofModule);
+    return &ofModule;
 }
 }

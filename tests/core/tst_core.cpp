@@ -1,0 +1,590 @@
+#include <MessageRecorder.h>
+#include <RunTogether.h>
+
+#include <VLCore/VLGlobal.h>
+#include <VLCore/VLLogger.h>
+#include <VLCore/VLPlatformIndependent.h>
+#include <VLCore/VLRegularExpression.h>
+#include <VLCore/VLSingleton.h>
+#include <VLFolioEventClassifier/VLEventFolderType.h>
+
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QScopeGuard>
+#include <QtTest/QTest>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+using Expression = QRegularExpression;
+
+// The expressions stand in the rows. clazy:excludeall=use-static-qregularexpression
+
+const QString* kommaOfSecondSourceFile();
+
+namespace {
+
+/// Counts what happens to it.
+struct Counted
+{
+    Counted() { ++made; }
+    ~Counted() { ++released; }
+    void initialize() { ++initialized; }
+
+    static inline int made = 0;
+    static inline int initialized = 0;
+    static inline int released = 0;
+};
+
+/// Cannot be made at first.
+struct Refusing
+{
+    Refusing()
+    {
+        if (++attempts <= 2)
+            throw std::runtime_error("not yet");
+    }
+    void initialize() { ++initialized; }
+
+    static inline int attempts = 0;
+    static inline int initialized = 0;
+};
+
+/// Is made, but its set-up fails.
+struct Stumbling
+{
+    Stumbling() { ++made; }
+    void initialize()
+    {
+        ++initialized;
+        throw std::runtime_error("no set-up");
+    }
+
+    static inline int made = 0;
+    static inline int initialized = 0;
+};
+
+/// Asks for its own singleton while it is set up, which the lock forbids.
+struct Impatient
+{
+    void initialize() { Q_UNUSED(VLSingleton<Impatient>::instance()) }
+};
+
+/// One type for each race, since every type has one instance per process. Takes its time, so that
+/// whoever does not wait for it is seen.
+template <int Number>
+struct Slow
+{
+    Slow()
+    {
+        ++made;
+        QThread::msleep(10);
+    }
+    void initialize()
+    {
+        QThread::msleep(10);
+        ready = true;
+        ++initialized;
+    }
+
+    bool ready = false;
+    static inline std::atomic<int> made { 0 };
+    static inline std::atomic<int> initialized { 0 };
+};
+
+/// Is made at once; there are many of them, since few races are close.
+template <int Number>
+struct Quick
+{
+    Quick() { ++made; }
+    void initialize() { }
+
+    static inline std::atomic<int> made { 0 };
+};
+
+template <int Number>
+void raceForSlowInstance()
+{
+    constexpr int threads = 16;
+    std::vector<const void*> instances(threads);
+    std::atomic<int> ready { 0 };
+    runTogether(threads, [&](int thread) {
+        const auto* const instance = VLSingleton<Slow<Number>>::instance();
+        instances[size_t(thread)] = instance;
+        ready += instance->ready ? 1 : 0;
+    });
+    QCOMPARE(Slow<Number>::made.load(), 1);
+    QCOMPARE(Slow<Number>::initialized.load(), 1);
+    QVERIFY(instances.front() != nullptr);
+    QCOMPARE(instances, std::vector<const void*>(threads, instances.front()));
+    QCOMPARE(ready.load(), threads);
+}
+
+template <int... Numbers>
+void raceForQuickInstances(std::integer_sequence<int, Numbers...> numbers)
+{
+    (runTogether(4, [](int) { Q_UNUSED(VLSingleton<Quick<Numbers>>::instance()) }), ...);
+    QCOMPARE((Quick<Numbers>::made.load() + ...), int(numbers.size()));
+}
+
+/// Shows the maps of a table, which only derived classes see.
+class OpenTable : public VLEnumToStringTable<VLEventFolderTypeEnum>
+{
+public:
+    static const QHash<QString, VLEventFolderTypeEnum>& namesOf(const VLEnumToStringTable& table)
+    {
+        return table.*(&OpenTable::nameToValue);
+    }
+};
+
+/// What a host's own static object finds that was made before main(), and so is destroyed after
+/// everything that was made in it.
+class LastToGo
+{
+public:
+    LastToGo() = default;
+    ~LastToGo()
+    {
+        const char* const missing = m_names.isEmpty() ? nullptr : whatIsMissing();
+        if (missing == nullptr)
+            return;
+        std::fprintf(stderr, "FAIL!  : at the end of the process the %s is gone\n", missing);
+        std::_Exit(EXIT_FAILURE);
+    }
+    Q_DISABLE_COPY_MOVE(LastToGo)
+
+    /// Shares the data of the table: it is alone with it once the table is freed.
+    void watch(const QHash<QString, VLEventFolderTypeEnum>& names) { m_names = names; }
+
+private:
+    [[nodiscard]] const char* whatIsMissing() const
+    {
+        if (m_names.isDetached())
+            return "table of names";
+        if (Counted::made != 1 || Counted::released != 0)
+            return "singleton's instance";
+        const auto* const table = VLEventFolderType().enumToStringTable();
+        if (table->nameFor(VLEventFolderTypeEnum::Month) != "Month"_L1)
+            return "name of a month";
+        qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext&, const QString& text) { s_logged = text; });
+        VLSingleton<VLLogger>::instance()->logFolioService(u"the end"_s);
+        qInstallMessageHandler(nullptr);
+        return s_logged == "the end"_L1 ? nullptr : "logger";
+    }
+
+    QHash<QString, VLEventFolderTypeEnum> m_names;
+    static inline QString s_logged; // clazy:exclude=non-pod-global-static
+};
+
+LastToGo lastToGo; // clazy:exclude=non-pod-global-static
+
+/// Shows the operation that only derived classes see.
+class OpenPlatform : public VLPlatformIndependent
+{
+public:
+    using VLPlatformIndependent::listingIncomplete;
+};
+
+/// Where a virtual operation stands in the table of virtual operations, counted from 0. So both
+/// processors' variants of the C++ ABI that GCC and Clang follow have it in a pointer to a member.
+template <typename Operation>
+int slotOf(Operation operation)
+{
+    struct
+    {
+        qptrdiff pointer;
+        qptrdiff adjustment;
+    } parts {};
+    static_assert(sizeof parts == sizeof operation);
+    std::memcpy(&parts, &operation, sizeof parts);
+#if defined(Q_PROCESSOR_ARM)
+    const qptrdiff offset = parts.pointer;
+#else
+    const qptrdiff offset = parts.pointer - 1;
+#endif
+    return int(offset / qptrdiff(sizeof(void*)));
+}
+
+void ignoreMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    Q_UNUSED(type)
+    Q_UNUSED(context)
+    Q_UNUSED(text)
+}
+
+} // namespace
+
+static_assert(std::is_same_v<decltype(KOMMA), const QString>);
+
+static_assert(!std::is_default_constructible_v<VLSingleton<Counted>>);
+static_assert(!std::is_copy_constructible_v<VLSingleton<Counted>>);
+static_assert(std::has_virtual_destructor_v<VLSingleton<Counted>>);
+
+static_assert(std::has_virtual_destructor_v<VLLogger>);
+static_assert(std::is_default_constructible_v<VLLogger> && !std::is_copy_constructible_v<VLLogger>);
+
+static_assert(std::has_virtual_destructor_v<VLRegularExpression>);
+static_assert(!std::is_default_constructible_v<VLRegularExpression>);
+static_assert(!std::is_copy_constructible_v<VLRegularExpression>);
+static_assert(std::is_same_v<decltype(&VLRegularExpression::match),
+                             QRegularExpressionMatch (VLRegularExpression::*)(
+                                 const QString&, int, Expression::MatchType,
+                                 QFlags<Expression::MatchOption>) const>);
+static_assert(sizeof(VLRegularExpression) == sizeof(void*) + sizeof(QMutex) + sizeof(Expression));
+
+class tst_core : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void virtualOperationsKeepTheirOrder_data();
+    void virtualOperationsKeepTheirOrder();
+    void eachSourceFileHasItsOwnComma();
+
+    void singletonIsMadeAndInitializedOnce();
+    void singletonOfEachTypeIsItsOwn();
+    void singletonIsReadyForAllThreads();
+    void singletonIsMadeOnceInCloseRaces();
+    void singletonWhoseConstructorFailedIsTriedAgain();
+    void singletonIsPublishedBeforeItIsInitialized();
+    void singletonMayNotAskForItself();
+    void sharedObjectsOutliveStaticObjects();
+
+    void loggedTextStaysAsItIs_data();
+    void loggedTextStaysAsItIs();
+    void loggerInitializeLogsNothing();
+    void filterRulesDirectTheLog_data();
+    void filterRulesDirectTheLog();
+
+    void matchIsThatOfQRegularExpression_data();
+    void matchIsThatOfQRegularExpression();
+    void invalidPatternMatchesNothingAndWarnsWhenUsed();
+    void threadsShareOneExpression_data();
+    void threadsShareOneExpression();
+};
+
+void tst_core::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".?"_s));
+}
+
+void tst_core::virtualOperationsKeepTheirOrder_data()
+{
+    using Type = VLEventFolderType;
+    using Enum = VLEventFolderTypeEnum;
+    using Wrapper = VLEnumWrapper<Enum>;
+    using Compare = bool (Wrapper::*)(const Wrapper&) const;
+    using CompareRaw = bool (Wrapper::*)(Enum) const;
+    using Assign = Wrapper& (Wrapper::*)(const Wrapper&);
+    using AssignRaw = Wrapper& (Wrapper::*)(Enum);
+    using Combine = Enum (Wrapper::*)(const Wrapper&) const;
+
+    QTest::addColumn<int>("slot");
+    QTest::addColumn<int>("expected");
+
+    // The compiler keeps two entries for the destructor, 0 and 1.
+    QTest::newRow("type_<") << slotOf<Compare>(&Type::operator<) << 2;
+    QTest::newRow("type_<=") << slotOf<Compare>(&Type::operator<=) << 3;
+    QTest::newRow("type_>") << slotOf<Compare>(&Type::operator>) << 4;
+    QTest::newRow("type_==") << slotOf<Compare>(&Type::operator==) << 5;
+    QTest::newRow("type_==_raw") << slotOf<CompareRaw>(&Type::operator==) << 6;
+    QTest::newRow("type_!=") << slotOf<Compare>(&Type::operator!=) << 7;
+    QTest::newRow("type_!=_raw") << slotOf<CompareRaw>(&Type::operator!=) << 8;
+    QTest::newRow("type_|=") << slotOf<Assign>(&Type::operator|=) << 9;
+    QTest::newRow("type_|=_raw") << slotOf<AssignRaw>(&Type::operator|=) << 10;
+    QTest::newRow("type_&=") << slotOf<Assign>(&Type::operator&=) << 11;
+    QTest::newRow("type_&=_raw") << slotOf<AssignRaw>(&Type::operator&=) << 12;
+    QTest::newRow("type_&") << slotOf<Combine>(&Type::operator&) << 13;
+    QTest::newRow("type_|") << slotOf<Combine>(&Type::operator|) << 14;
+    QTest::newRow("type_reducedTo") << slotOf(&Type::reducedTo) << 15;
+    QTest::newRow("type_isValid") << slotOf(&Type::isValid) << 16;
+    QTest::newRow("type_fillTable") << slotOf(&Type::fillTable) << 17;
+
+    using Platform = VLPlatformIndependent;
+    QTest::newRow("platform_openFile") << slotOf(&Platform::openFile) << 2;
+    QTest::newRow("platform_files") << slotOf(&Platform::getDirectFilesInDirectory) << 3;
+    QTest::newRow("platform_changed") << slotOf(&Platform::directoryContentsChanged) << 4;
+    QTest::newRow("platform_incomplete") << slotOf(&OpenPlatform::listingIncomplete) << 5;
+
+    QTest::newRow("logger_initialize") << slotOf(&VLLogger::initialize) << 2;
+}
+
+void tst_core::virtualOperationsKeepTheirOrder()
+{
+    QFETCH(const int, slot);
+    QTEST(slot, "expected");
+}
+
+void tst_core::eachSourceFileHasItsOwnComma()
+{
+    QCOMPARE(KOMMA, u","_s);
+    QCOMPARE(*kommaOfSecondSourceFile(), u","_s);
+    QVERIFY(kommaOfSecondSourceFile() != &KOMMA);
+}
+
+void tst_core::singletonIsMadeAndInitializedOnce()
+{
+    Counted* const instance = VLSingleton<Counted>::instance();
+    QVERIFY(instance != nullptr);
+    for (int call = 0; call < 100; ++call)
+        QCOMPARE(VLSingleton<Counted>::instance(), instance);
+    QCOMPARE(Counted::made, 1);
+    QCOMPARE(Counted::initialized, 1);
+}
+
+void tst_core::singletonOfEachTypeIsItsOwn()
+{
+    QVERIFY(static_cast<const void*>(VLSingleton<Counted>::instance())
+            != static_cast<const void*>(VLSingleton<VLLogger>::instance()));
+}
+
+void tst_core::singletonIsReadyForAllThreads()
+{
+    raceForSlowInstance<0>();
+    raceForSlowInstance<1>();
+    raceForSlowInstance<2>();
+    raceForSlowInstance<3>();
+}
+
+// Of two threads that have both found no instance, the second one looks again under the lock.
+void tst_core::singletonIsMadeOnceInCloseRaces()
+{
+    raceForQuickInstances(std::make_integer_sequence<int, 200>());
+}
+
+void tst_core::singletonWhoseConstructorFailedIsTriedAgain()
+{
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+                             static_cast<void>(VLSingleton<Refusing>::instance()));
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+                             static_cast<void>(VLSingleton<Refusing>::instance()));
+    Refusing* const instance = VLSingleton<Refusing>::instance();
+    QVERIFY(instance != nullptr);
+    QCOMPARE(VLSingleton<Refusing>::instance(), instance);
+    QCOMPARE(Refusing::attempts, 3);
+    QCOMPARE(Refusing::initialized, 1);
+}
+
+// One whose set-up fails is there all the same, and is not set up again.
+void tst_core::singletonIsPublishedBeforeItIsInitialized()
+{
+    QVERIFY_THROWS_EXCEPTION(std::runtime_error,
+                             static_cast<void>(VLSingleton<Stumbling>::instance()));
+    QVERIFY(VLSingleton<Stumbling>::instance() != nullptr);
+    QCOMPARE(Stumbling::made, 1);
+    QCOMPARE(Stumbling::initialized, 1);
+}
+
+// The lock is not recursive: whoever asks while holding it waits forever, here for an alarm.
+void tst_core::singletonMayNotAskForItself()
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        alarm(1);
+        Q_UNUSED(VLSingleton<Impatient>::instance())
+        _exit(EXIT_SUCCESS);
+    }
+    QVERIFY(child > 0);
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFSIGNALED(status));
+    QCOMPARE(WTERMSIG(status), SIGALRM);
+}
+
+// The test goes on in ~LastToGo(), which makes the process fail.
+void tst_core::sharedObjectsOutliveStaticObjects()
+{
+    Q_UNUSED(VLSingleton<Counted>::instance())
+    Q_UNUSED(VLSingleton<VLLogger>::instance())
+    const auto& names = OpenTable::namesOf(*VLEventFolderType().enumToStringTable());
+    QCOMPARE(names.size(), 7);
+    lastToGo.watch(names);
+}
+
+void tst_core::loggedTextStaysAsItIs_data()
+{
+    QTest::addColumn<QString>("text");
+
+    QTest::newRow("plain") << u"startClassifyEvent"_s;
+    QTest::newRow("empty") << u""_s;
+    QTest::newRow("quotes") << u"say \"no\" or 'yes'"_s;
+    QTest::newRow("backslash") << u"C:\\new\\table"_s;
+    QTest::newRow("placeholders") << u"%1 %2 %s %{message} 100%"_s;
+    QTest::newRow("blanks_at_the_ends") << u"  text  "_s;
+    QTest::newRow("only_a_blank") << u" "_s;
+    QTest::newRow("line_feed_tab_and_return") << u"one\ntwo\t\r\n"_s;
+    QTest::newRow("non_latin") << u"\u5199\u771F \u0635\u0648\u0631 Gr\u00FC\u00DFe \U0001F4F7"_s;
+    QTest::newRow("lone_surrogate") << QString(QChar(0xD83D));
+    QTest::newRow("null_character") << u"a\0b"_s;
+    QTest::newRow("long") << QString(100'000, u'x');
+}
+
+void tst_core::loggedTextStaysAsItIs()
+{
+    QFETCH(const QString, text);
+    const MessageRecorder recorder;
+    VLSingleton<VLLogger>::instance()->logFolioService(text);
+    QCOMPARE(recorder.messages().size(), 1);
+    const auto message = recorder.messages().constFirst();
+    QCOMPARE(message.category, QByteArray("vl.folio.service"));
+    QCOMPARE(message.type, QtInfoMsg);
+    QCOMPARE(message.text, text);
+}
+
+void tst_core::loggerInitializeLogsNothing()
+{
+    const MessageRecorder recorder;
+    VLLogger logger;
+    logger.initialize();
+    QCOMPARE(recorder.messages().size(), 0);
+}
+
+void tst_core::filterRulesDirectTheLog_data()
+{
+    QTest::addColumn<QString>("rules");
+    QTest::addColumn<int>("messages");
+
+    QTest::newRow("category_off") << u"vl.folio.service=false"_s << 0;
+    QTest::newRow("info_of_the_category_off") << u"vl.folio.service.info=false"_s << 0;
+    QTest::newRow("group_of_categories_off") << u"vl.*=false"_s << 0;
+    QTest::newRow("all_off_but_this") << u"*=false\nvl.folio.service=true"_s << 1;
+    QTest::newRow("debug_of_the_category_off") << u"vl.folio.service.debug=false"_s << 1;
+    QTest::newRow("another_category_off") << u"vl.folio=false"_s << 1;
+}
+
+void tst_core::filterRulesDirectTheLog()
+{
+    QFETCH(const QString, rules);
+    const auto restore = qScopeGuard([] { QLoggingCategory::setFilterRules(QString()); });
+    QLoggingCategory::setFilterRules(rules);
+    const MessageRecorder recorder;
+    VLSingleton<VLLogger>::instance()->logFolioService(u"text"_s);
+    QTEST(int(recorder.messages().size()), "messages");
+}
+
+void tst_core::matchIsThatOfQRegularExpression_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<Expression::PatternOptions>("options");
+
+    const QString date = uR"((?<year>\d{2})[-|,|.|\s](\d{2})[-|,|.|\s]\d{2})"_s;
+    QTest::newRow("date") << date << Expression::PatternOptions();
+    QTest::newRow("date_in_any_digits")
+        << date << Expression::PatternOptions(Expression::UseUnicodePropertiesOption);
+    QTest::newRow("word") << u"July"_s << Expression::PatternOptions();
+    QTest::newRow("word_in_any_case")
+        << u"july"_s << Expression::PatternOptions(Expression::CaseInsensitiveOption);
+    QTest::newRow("empty_pattern") << u""_s << Expression::PatternOptions();
+    QTest::newRow("line") << u"^.$"_s << Expression::PatternOptions();
+    QTest::newRow("each_line") << u"^.$"_s
+                               << (Expression::MultilineOption
+                                   | Expression::DotMatchesEverythingOption);
+    QTest::newRow("shortest") << u"\\d+"_s
+                              << Expression::PatternOptions(Expression::InvertedGreedinessOption);
+    QTest::newRow("extended_syntax")
+        << u"J u # two"_s << Expression::PatternOptions(Expression::ExtendedPatternSyntaxOption);
+}
+
+void tst_core::matchIsThatOfQRegularExpression()
+{
+    QFETCH(const QString, pattern);
+    QFETCH(const Expression::PatternOptions, options);
+    const QStringList subjects { u"x2019-07-14 19|07|14"_s,
+                                 u"19\t07 14"_s,
+                                 u"19\u00A007\u00A014"_s,
+                                 u"\u0661\u0669-\u0660\u0667-\u0661\u0664"_s,
+                                 u"in July, July"_s,
+                                 u"in Ju"_s,
+                                 u"a\nb"_s,
+                                 u"\U0001F4F7"_s,
+                                 u"a"_s + QChar(0xD83D),
+                                 u""_s,
+                                 QString() };
+    const QList<int> offsets {
+        0, 1, 3, 100, -1, -5, -100, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()
+    };
+    const VLRegularExpression expression(pattern, options);
+    const Expression plain(pattern, options);
+    int found = 0;
+    for (const auto matchOption :
+         { Expression::NoMatchOption, Expression::AnchorAtOffsetMatchOption }) {
+        for (const auto type : { Expression::NormalMatch, Expression::PartialPreferCompleteMatch,
+                                 Expression::PartialPreferFirstMatch, Expression::NoMatch }) {
+            for (const QString& subject : subjects) {
+                for (const int offset : offsets) {
+                    const auto match = expression.match(subject, offset, type, matchOption);
+                    const auto expected = plain.match(subject, offset, type, matchOption);
+                    QCOMPARE(match.isValid(), expected.isValid());
+                    QCOMPARE(match.hasMatch(), expected.hasMatch());
+                    QCOMPARE(match.hasPartialMatch(), expected.hasPartialMatch());
+                    QCOMPARE(match.capturedStart(), expected.capturedStart());
+                    QCOMPARE(match.capturedTexts(), expected.capturedTexts());
+                    QCOMPARE(match.matchType(), type);
+                    QCOMPARE(match.matchOptions(), Expression::MatchOptions(matchOption));
+                    QCOMPARE(match.regularExpression(), plain);
+                    found += match.hasMatch() ? 1 : 0;
+                }
+            }
+        }
+    }
+    QVERIFY(found > 0);
+}
+
+void tst_core::invalidPatternMatchesNothingAndWarnsWhenUsed()
+{
+    const MessageRecorder recorder;
+    const VLRegularExpression expression(u"(unclosed"_s, Expression::NoPatternOption);
+    QCOMPARE(recorder.messages().size(), 0);
+    const auto match =
+        expression.match(u"(unclosed"_s, 0, Expression::NormalMatch, Expression::NoMatchOption);
+    QVERIFY(!match.isValid());
+    QVERIFY(!match.hasMatch());
+    QCOMPARE(recorder.messages().size(), 1);
+    QCOMPARE(recorder.messages().constFirst().type, QtWarningMsg);
+}
+
+void tst_core::threadsShareOneExpression_data()
+{
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<int>("found");
+
+    QTest::newRow("valid") << u"\\d+"_s << 4000;
+    // Is compiled anew in each call, which no two threads may do at once.
+    QTest::newRow("invalid") << u"(unclosed"_s << 0;
+}
+
+void tst_core::threadsShareOneExpression()
+{
+    QFETCH(const QString, pattern);
+    const VLRegularExpression expression(pattern, Expression::NoPatternOption);
+    std::atomic<int> right { 0 };
+    const QtMessageHandler previous = qInstallMessageHandler(ignoreMessage);
+    runTogether(8, [&](int thread) {
+        const QString number = QString::number(thread);
+        for (int call = 0; call < 500; ++call) {
+            const auto match = expression.match(u"no "_s + number, 0, Expression::NormalMatch,
+                                                Expression::NoMatchOption);
+            right += match.captured() == number ? 1 : 0;
+        }
+    });
+    qInstallMessageHandler(previous);
+    QTEST(right.load(), "found");
+}
+
+QTEST_GUILESS_MAIN(tst_core)
+#include "tst_core.moc"
