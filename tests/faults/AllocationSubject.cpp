@@ -16,7 +16,7 @@
 // and each NOTE is something that is not as it was. With "trace" there is one attempt only, and
 // the callers that made what it leaked are NOTEs, too.
 
-#include "../report/ReportText.h"
+#include "ReportText.h"
 #include "FailingAllocation.h"
 #include "SharedPlatform.h"
 

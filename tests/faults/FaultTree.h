@@ -2,7 +2,7 @@
 
 #include "TypeNames.h"
 
-#include "../report/ReportText.h"
+#include "ReportText.h"
 
 #include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
 

@@ -1,7 +1,7 @@
 // Random paths, types and occasions into the texts that are made of results: render() and the
 // report, each compared with a model that shares nothing with the library but Qt.
 
-#include "../report/ReportText.h"
+#include "ReportText.h"
 #include "FuzzedResults.h"
 #include "Fuzzing.h"
 #include "RawDirectory.h"

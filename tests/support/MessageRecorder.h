@@ -3,6 +3,7 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/qlogging.h>
 
 #include <functional>
@@ -37,6 +38,13 @@ public:
     Q_DISABLE_COPY_MOVE(MessageRecorder)
 
     [[nodiscard]] QList<Message> messages() const { return s_messages; }
+    [[nodiscard]] QStringList texts() const
+    {
+        QStringList all;
+        for (const Message& message : std::as_const(s_messages))
+            all.append(message.text);
+        return all;
+    }
 
 private:
     static void record(QtMsgType type, const QMessageLogContext& context, const QString& text)

@@ -6,36 +6,63 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <functional>
+#include <utility>
+
 /// A platform service that notes what is asked of it, opens nothing, and is in use for as long as
 /// it lives. Directories are listed by the built-in service.
 class RecordingPlatform : public VLPlatformIndependent
 {
 public:
-    RecordingPlatform() { setInstance(this); }
+    using Action = std::function<void(const QString& call)>;
+
+    /// \a action, if any, is told each call when it is noted, ahead of its work.
+    explicit RecordingPlatform(Action action = {})
+        : m_action(std::move(action))
+    {
+        setInstance(this);
+    }
     ~RecordingPlatform() override { setInstance(nullptr); }
     Q_DISABLE_COPY_MOVE(RecordingPlatform)
 
     bool openFile(const QString& path, const QStringList& arguments,
                   const QString& application) override
     {
-        calls.append(QStringLiteral("openFile ") + path);
+        note(QStringLiteral("openFile ") + path);
         openedArguments = arguments;
         openedApplication = application;
-        return true;
+        return opens;
     }
 
     QStringList getDirectFilesInDirectory(const QDir& directory) const override
     {
-        calls.append(QStringLiteral("getDirectFilesInDirectory ") + directory.path());
+        note(QStringLiteral("getDirectFilesInDirectory ") + directory.path());
+        if (fileCount >= 0)
+            return QStringList(fileCount, QStringLiteral("name"));
         return VLPlatformIndependent::getDirectFilesInDirectory(directory);
     }
 
     void directoryContentsChanged(const QDir& directory) override
     {
-        calls.append(QStringLiteral("directoryContentsChanged ") + directory.path());
+        note(QStringLiteral("directoryContentsChanged ") + directory.path());
+    }
+
+    /// Adds to the calls what a test wants to see among them.
+    void note(const QString& call) const
+    {
+        calls.append(call);
+        if (m_action)
+            m_action(call);
     }
 
     mutable QStringList calls;
     QStringList openedArguments;
     QString openedApplication;
+    /// What openFile() answers.
+    bool opens = true;
+    /// How many files each directory is said to hold, unless negative.
+    qsizetype fileCount = -1;
+
+private:
+    Action m_action;
 };

@@ -1,0 +1,328 @@
+#include "MessageRecorder.h"
+#include "RawDirectory.h"
+#include "RecordingPlatform.h"
+#include "ReportText.h"
+#include "Walk.h"
+
+#include <QtCore/QRegularExpression>
+#include <QtTest/QTest>
+
+#include <algorithm>
+
+#include <sys/wait.h>
+
+#if defined(Q_OS_LINUX)
+#    include <sys/sysmacros.h>
+#endif
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto reportName = "vela.classification.results.html";
+
+QByteArray reportOf(const RawDirectory& tree)
+{
+    const MessageRecorder recorder;
+    const RecordingPlatform platform;
+    VLFolioEventClassifier(QFileInfo(tree.path())).start();
+    return ReportText::fileContents(tree.path(reportName));
+}
+
+QByteArray allBytes(int first, int last)
+{
+    QByteArray bytes;
+    for (int byte = first; byte <= last; ++byte) {
+        if (byte != '/')
+            bytes.append(static_cast<char>(byte));
+    }
+    return bytes;
+}
+
+QByteArrayList sorted(QByteArrayList names)
+{
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// The device that takes everything, and a disk that is not there.
+bool makeDevices(const RawDirectory& tree)
+{
+#if defined(Q_OS_LINUX)
+    return mknod(tree.bytes("2019/character").constData(), S_IFCHR | 0600, makedev(1, 3)) == 0
+        && mknod(tree.bytes("2019/block").constData(), S_IFBLK | 0600, makedev(7, 255)) == 0;
+#else
+    Q_UNUSED(tree)
+    return false;
+#endif
+}
+
+} // namespace
+
+class tst_hostile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void properName_data();
+    void properName();
+    void undecodableName_data();
+    void undecodableName();
+    void undecodableNameHidesNoOther_data();
+    void undecodableNameHidesNoOther();
+    void undecodableNamesOnEveryLevel();
+    void kindsThatCount();
+    void devicesAreNeitherFoldersNorFiles();
+    void rootOfTheFileSystem();
+    void tenThousandFoldersInOne();
+};
+
+void tst_hostile::init()
+{
+    QTest::failOnWarning(QRegularExpression(u".?"_s));
+}
+
+void tst_hostile::properName_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("type");
+
+    const auto row = [](const char* title, const QByteArray& name, const char* type) {
+        QTest::newRow(title) << name << QByteArray(type);
+    };
+    row("line_feeds", "\n2019\n", "Year");
+    row("line_feeds_as_separators", "2019\n07\n14", "Event");
+    row("carriage_return", "2019\r", "Year");
+    row("terminal_title_escape", "\x1b]0;2019\x07", "Year");
+    row("terminal_colour_escape", "\x1b[2J\x1b[31mBeach", "Unknown");
+    row("delete_and_backspace", QByteArray("2\b\x7f") + "019", "Unknown");
+    row("markup", "<script>x('2019')", "Year");
+    row("cell_end", "<\\td>&amp;\"'", "Unknown");
+    row("right_to_left_override", QByteArray("\u202e") + "9102", "Unknown");
+    row("isolates", QByteArray("\u2066") + "2019-07-14\u2069", "Event");
+    row("place_marker", "%1", "Unknown");
+    row("place_markers", "%0%1%2%L1%99 2019", "Year");
+    row("format_directives", "%s%n%d", "Unknown");
+    row("percent_encoding", "%32%30%31%39", "Unknown");
+    // "2345" is in it.
+    row("every_ascii_byte", allBytes(0x01, 0x7f), "Year");
+    row("255_bytes", "2019" + QByteArray(251, 'x'), "Year");
+    row("255_line_feeds", QByteArray(255, '\n'), "Unknown");
+    row("255_percent_signs", QByteArray(255, '%'), "Unknown");
+    row("255_digits", QByteArray(255, '2'), "Year");
+    row("two_byte_letters", "2019x" + QByteArray("\u00e9").repeated(125), "Year");
+    row("three_byte_letters", QByteArray("\u65e5").repeated(85), "Unknown");
+    row("four_byte_letters", QByteArray("\U0001f600").repeated(63), "Unknown");
+    row("combining_marks_alone", QByteArray("\u0301").repeated(127), "Unknown");
+    row("byte_order_mark", QByteArray("\ufeff") + "07", "Unknown");
+    row("replacement_character", "\ufffd 2019", "Year");
+    row("noncharacter", "\uffff 2019", "Year");
+    row("blank", " ", "Unknown");
+    row("trailing_blank", "07 ", "Unknown");
+    row("trailing_full_stop", "2019.", "Year");
+    row("year_like_a_suffix", "Beach.2019", "Year");
+    row("leading_hyphen", "-2019-07-14", "Event");
+    row("backslashes", "2019\\07\\14", "Year");
+    // A leading full stop hides a folder and what is below it.
+    row("backslashes_behind_full_stops", "..\\..\\2019", "");
+    row("tilde", "~", "Unknown");
+    row("home", "~root", "Unknown");
+    row("drive", "C:", "Unknown");
+    row("resource", ":2019", "Year");
+    row("colon", ":", "Unknown");
+    row("address", "file:2019", "Year");
+    row("wildcard", "*", "Unknown");
+    row("wildcards", "[2019]*?", "Year");
+    row("photokit", "photokit", "Unknown");
+    row("project", "<b>_vlp-Dateien", "ProjectFolder");
+}
+
+// What a name holds is no concern of the walk or the report: it is passed on.
+void tst_hostile::properName()
+{
+    QFETCH(const QByteArray, name);
+    QFETCH(const QByteArray, type);
+
+    RawDirectory tree;
+    tree.folder("Alps").folder(name).folder(name + "/07").folder("zoo");
+    QVERIFY2(tree.isValid(), tree.error());
+
+    QByteArrayList expected { " Root", "/Alps Unknown", "/zoo Unknown" };
+    if (!type.isEmpty())
+        expected += { '/' + name + ' ' + type, '/' + name + "/07 Month" };
+    QCOMPARE(sorted(walkedLines(tree.path())), sorted(expected));
+    const QByteArray report = reportOf(tree);
+    QCOMPARE(report.count("<tr class="), expected.size());
+    QCOMPARE(report.count("<td>/" + name + "</td>\n"), type.isEmpty() ? 0 : 1);
+    QVERIFY(report.endsWith("</html>\n"));
+}
+
+void tst_hostile::undecodableName_data()
+{
+    QTest::addColumn<QByteArray>("name");
+
+    const auto row = [](const char* title, const QByteArray& name) {
+        QTest::newRow(title) << name;
+    };
+    row("latin_1_letter", "2019 M\xfcnchen");
+    row("lone_continuation_byte", "2019\x80");
+    row("sequence_cut_by_the_end", "2019\xe2\x82");
+    row("sequence_cut_by_a_letter", QByteArray("\xe2\x82") + "2019");
+    row("surrogate", "\xed\xa0\x80");
+    row("surrogate_pair", "\xed\xa0\xbd\xed\xb8\x80");
+    row("slash_in_two_bytes", QByteArray("2019\xc0\xaf") + "07");
+    row("nul_in_two_bytes", "2019\xc0\x80");
+    row("beyond_the_last_character", "\xf4\x90\x80\x80");
+    row("five_byte_sequence", "\xf8\x88\x80\x80\x80");
+    row("bytes_that_never_occur", "\xfe\xff");
+    row("replacement_character_beside", "\ufffd\xff");
+    row("every_byte_above_ascii", allBytes(0x80, 0xff));
+    row("every_byte", allBytes(0x01, 0xff));
+    row("255_bytes", QByteArray(255, '\xff'));
+    row("undecodable_and_escape", "\x1b[31m\xff<b>%1\n");
+    row("hidden", ".\xff");
+}
+
+// No QString can name such a folder, so that it is left out, with what it holds. Nothing else is.
+void tst_hostile::undecodableName()
+{
+    QFETCH(const QByteArray, name);
+
+    RawDirectory tree;
+    tree.make({ "2019/07/", "2019/" + name + "/Beach/", "2019/Alps/", "2020/" });
+    VERIFY_MADE(tree);
+    const QByteArrayList expected { " Root", "/2019 Year", "/2019/07 Month", "/2019/Alps Event",
+                                    "/2020 Year" };
+    QCOMPARE(walkedLines(tree.path()), expected);
+    const QByteArray report = reportOf(tree);
+    QCOMPARE(report.count("<tr class="), expected.size());
+    QVERIFY(report.endsWith("</html>\n"));
+}
+
+void tst_hostile::undecodableNameHidesNoOther_data()
+{
+    QTest::addColumn<QByteArrayList>("entries");
+
+    // A file system in memory lists what was made last first.
+    const auto row = [](const char* title, const QByteArrayList& entries) {
+        QTest::newRow(title) << entries;
+    };
+    row("made_first", { "\xff/", "2018/", "2019/", "2020/" });
+    row("made_in_the_middle", { "2018/", "\xff/", "2019/", "2020/" });
+    row("made_last", { "2018/", "2019/", "2020/", "\xff/" });
+    row("between_all", { "\xf0/", "2018/", "\xf1/", "2019/", "\xf2/", "2020/", "\xf3/" });
+    row("hidden_folder", { "2018/", ".\xff/", "2019/", "2020/" });
+    row("file", { "2018/", "\xff.jpg", "2019/", "2020/" });
+    row("hidden_file", { "2018/", ".\xff.jpg", "2019/", "2020/" });
+    row("link_to_a_folder", { "2018/", "\xff -> 2018", "2019/", "2020/" });
+    row("dangling_link", { "2018/", "\xff -> nowhere", "2019/", "2020/" });
+    row("pipe", { "2018/", "\xff|", "2019/", "2020/" });
+    row("target_of_a_link", { "2018/", "2019/", ".\xff/", "2020 -> .\xff" });
+}
+
+void tst_hostile::undecodableNameHidesNoOther()
+{
+    QFETCH(const QByteArrayList, entries);
+
+    RawDirectory tree;
+    tree.make(entries);
+    VERIFY_MADE(tree);
+    QCOMPARE(walkedLines(tree.path()),
+             (QByteArrayList { " Root", "/2018 Year", "/2019 Year", "/2020 Year" }));
+}
+
+void tst_hostile::undecodableNamesOnEveryLevel()
+{
+    RawDirectory tree;
+    QByteArray above;
+    for (const char* const name : { "2019", "07", "Beach.", "2019-07-14" }) {
+        tree.folder(above + '\xff').folder(above + 'a').folder(above + name);
+        tree.folder(above + '\xfe').file(above + ".\xfe");
+        above += QByteArray(name) + '/';
+    }
+    VERIFY_MADE(tree);
+    QCOMPARE(walkedLines(tree.path()),
+             (QByteArrayList { " Root", "/2019 Year", "/2019/07 Month", "/2019/07/Beach. Event",
+                               "/2019/07/Beach./2019-07-14 Day", "/2019/07/Beach./a Unknown",
+                               "/2019/07/a Event", "/2019/a Event", "/a Unknown" }));
+}
+
+// Files and links to files do, whatever their names, but not the hidden ones.
+void tst_hostile::kindsThatCount()
+{
+    RawDirectory tree;
+    tree.make({ "2019/e.jpg/", "2019/a.jpg|", "2019/b.jpg=", "2019/c.jpg", "2019/d.jpg -> c.jpg",
+                "2019/f.jpg -> e.jpg", "2019/g.jpg -> a.jpg", "2019/h.jpg -> nowhere", "2019/.i",
+                "2019/\n.jpg", "2019/\xff.jpg", "2019/\xfe.jpg -> c.jpg", "2019/.\xff",
+                "2019/\xfd/" });
+    VERIFY_MADE(tree);
+    const QByteArray report = reportOf(tree);
+    const auto counted = [&report](const char* path, const char* count) {
+        return report.contains(QByteArray("<td>") + path + "</td>\n\t\t\t\t<td>" + count
+                               + "</td>\n");
+    };
+    QVERIFY(counted("/2019", "5"));
+    QVERIFY(counted("/2019/e.jpg", "0"));
+    QVERIFY(counted("/2019/f.jpg", "0"));
+    // A link to a pipe is listed as a folder, and nothing is in it.
+    QVERIFY(counted("/2019/g.jpg", "0"));
+    QCOMPARE(report.count("<tr class="), 5);
+}
+
+void tst_hostile::devicesAreNeitherFoldersNorFiles()
+{
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "2019/c.jpg/", "2019/d.jpg" }).isValid(), tree.error());
+    if (!makeDevices(tree))
+        QSKIP("Only the superuser of some systems makes devices: run the test as root");
+    QCOMPARE(walkedLines(tree.path()),
+             (QByteArrayList { " Root", "/2019 Year", "/2019/c.jpg Event" }));
+    QVERIFY(reportOf(tree).contains("<td>/2019</td>\n\t\t\t\t<td>1</td>\n"));
+}
+
+// Its path ends with the slash that others lack.
+void tst_hostile::rootOfTheFileSystem()
+{
+    RawDirectory tree;
+    tree.make({ "\xff/", ":/", "2019/" });
+    VERIFY_MADE(tree);
+
+    constexpr int noOtherRoot = 77;
+    const pid_t child = fork();
+    if (child == 0) {
+        if (chroot(tree.bytes(".").constData()) != 0 || chdir("/") != 0)
+            _exit(noOtherRoot);
+        const QList<VLEventFolderClassificationResult> results = walk(u"/"_s);
+        const bool isRight =
+            lines(results, {}) == QByteArrayList { "/ Root", "/2019 Year", "/: Unknown" }
+            && results.constLast().directory().filePath() == u"/:"_s;
+        _exit(isRight ? EXIT_SUCCESS : EXIT_FAILURE);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    if (WEXITSTATUS(status) == noOtherRoot)
+        QSKIP("Only the superuser can take another root: run the test as root");
+    QCOMPARE(WEXITSTATUS(status), EXIT_SUCCESS);
+}
+
+void tst_hostile::tenThousandFoldersInOne()
+{
+    constexpr int count = 10'000;
+    RawDirectory tree;
+    tree.folder("2019");
+    QByteArrayList expected { " Root", "/2019 Year" };
+    // From the last to the first, so that the order of making is not that of the names.
+    for (int number = count; number > 0; --number) {
+        const QByteArray name = "/f" + QByteArray::number(10'000 + number).mid(1);
+        tree.folder("2019" + name);
+        expected.append("/2019" + name + " Event");
+    }
+    QVERIFY2(tree.isValid(), tree.error());
+    QVERIFY(walkedLines(tree.path()) == sorted(expected));
+    QCOMPARE(reportOf(tree).count("<tr class=Event>"), count);
+}
+
+QTEST_GUILESS_MAIN(tst_hostile)
+#include "tst_hostile.moc"
