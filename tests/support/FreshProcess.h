@@ -12,7 +12,8 @@ template <typename Usual, typename Fresh>
 [[nodiscard]] int runUsualOrFresh(int argc, char* argv[])
 {
     const bool isFresh = std::any_of(argv + 1, argv + argc, [](const char* argument) {
-        return Fresh::staticMetaObject.indexOfSlot(QByteArray(argument) + "()") >= 0;
+        return Fresh::staticMetaObject.indexOfSlot(QByteArray(argument).append("()").constData())
+            >= 0;
     });
     if (isFresh) {
         Fresh test;
