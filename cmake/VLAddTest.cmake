@@ -67,3 +67,13 @@ function(vl_add_skipped_test name reason command)
     add_test(NAME ${name} COMMAND "${CMAKE_COMMAND}" -E echo "skipped: ${reason}; ${command}")
     set_tests_properties(${name} PROPERTIES SKIP_REGULAR_EXPRESSION "^skipped: ")
 endfunction()
+
+# vl_define_preload(TARGET SCOPE MACRO MODULE)
+#
+# Defines what LD_PRELOAD has to say for the program to load MODULE, wherever both are: the loader
+# splits that list at blanks, but before it fills in the program's directory.
+function(vl_define_preload target scope macro module)
+    set(directory "$<TARGET_FILE_DIR:vlfolio-classify>")
+    set(path "$<PATH:RELATIVE_PATH,$<TARGET_FILE:${module}>,${directory}>")
+    target_compile_definitions(${target} ${scope} "${macro}=\"\$ORIGIN/${path}\"")
+endfunction()

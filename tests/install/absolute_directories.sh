@@ -22,14 +22,14 @@ build_consumer found_absolute \
     -DVLFolioEventClassifier_DIR="$libraries/cmake/VLFolioEventClassifier"
 expect_loaded "$WORK/found_absolute/consumer"
 
-command -v pkg-config >/dev/null || { echo "skipped: pkg-config is not installed"; exit 77; }
+needs pkg-config
 export PKG_CONFIG_PATH=$libraries/pkgconfig
 for package in VLCore VLFolioEventClassifier; do
     expect "the libraries of $package" "$libraries" \
-        "$(pkg-config --variable=libdir "$package")"
+        "$(ask_pkg_config --variable=libdir "$package")"
     expect "the headers of $package" "$absolute/headers" \
-        "$(pkg-config --variable=includedir "$package")"
+        "$(ask_pkg_config --variable=includedir "$package")"
 done
-read -ra flags <<<"$(pkg-config --cflags --libs VLFolioEventClassifier)"
+mapfile -t flags < <(ask_pkg_config --cflags --libs VLFolioEventClassifier)
 compile_consumer linked_absolute "${flags[@]}" "-Wl,-rpath,$libraries"
 expect_loaded "$WORK/linked_absolute"

@@ -12,6 +12,20 @@ fail() {
     exit 1
 }
 
+# needs TOOL...: leaves out the rest of a test where a tool is missing.
+needs() {
+    local tool
+    for tool in "$@"; do
+        command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
+    done
+}
+
+# ask_pkg_config OPTION...: prints each word of the answer in a line, without the escapes that protect
+# blanks and umlauts from a shell.
+ask_pkg_config() {
+    pkg-config "$@" | xargs printf '%s\n'
+}
+
 # quietly COMMAND...: shows what a command says only if it fails.
 quietly() {
     local output

@@ -2,9 +2,7 @@
 # The Debian packages that cpack makes: what each holds and depends on, and that the program, and
 # whoever builds with the libraries, need nothing else of this project.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
-for tool in dpkg-deb dpkg-shlibdeps; do
-    command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
-done
+needs dpkg-deb dpkg-shlibdeps file
 
 packages=$WORK/packages
 root=$packages/root

@@ -18,10 +18,10 @@ build_consumer found_static \
     -DVLFolioEventClassifier_DIR="$absolute/libraries/cmake/VLFolioEventClassifier"
 expect "what the consumer loads" "" "$(libraries_of "$WORK/found_static/consumer")"
 
-command -v pkg-config >/dev/null || { echo "skipped: pkg-config is not installed"; exit 77; }
+needs pkg-config
 export PKG_CONFIG_PATH=$absolute/libraries/pkgconfig
-expect "the libraries" "$absolute/libraries" "$(pkg-config --variable=libdir VLCore)"
-expect "the headers" "$absolute/headers" "$(pkg-config --variable=includedir VLCore)"
-read -ra flags <<<"$(pkg-config --static --cflags --libs VLFolioEventClassifier)"
+expect "the libraries" "$absolute/libraries" "$(ask_pkg_config --variable=libdir VLCore)"
+expect "the headers" "$absolute/headers" "$(ask_pkg_config --variable=includedir VLCore)"
+mapfile -t flags < <(ask_pkg_config --static --cflags --libs VLFolioEventClassifier)
 compile_consumer linked_static "${flags[@]}"
 expect "what the consumer loads" "" "$(libraries_of "$WORK/linked_static")"

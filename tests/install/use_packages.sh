@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What debian_root.sh does within the Debian. The packages are in /srv/packages.
+# What scripts/test-packages does within the Debian. The packages are in /srv/packages.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 apt_get() {
@@ -14,6 +14,7 @@ bash_completion() {
         complete -p vlfolio-classify'
 }
 
+export DEBIAN_FRONTEND=noninteractive HOME=/root
 cd /srv
 mkdir -p work "collection/2019/2019-07-14 Beach"
 apt_get update
@@ -37,7 +38,7 @@ expect "what fish completes with" --summary \
 
 apt_get install ./packages/libvlfolioeventclassifier-dev_*.deb cmake g++ ninja-build pkg-config
 build_consumer found
-read -ra flags <<<"$(pkg-config --cflags --libs VLFolioEventClassifier)"
+mapfile -t flags < <(ask_pkg_config --cflags --libs VLFolioEventClassifier)
 compile_consumer linked "${flags[@]}"
 
 apt_get purge vlfolio-classify libvlfolioeventclassifier-dev libvlfolioeventclassifier1
