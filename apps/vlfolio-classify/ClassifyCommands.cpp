@@ -53,9 +53,8 @@ struct Folder
 Folder lookedInto(const VLEventFolderClassificationResult& result, const HostPlatform& platform)
 {
     const QDir directory(result.directory().absoluteFilePath());
-    const qsizetype knownOmissions = platform.omissions().size();
     const qsizetype fileCount = platform.getDirectFilesInDirectory(directory).size();
-    return { result, fileCount, platform.omissions().sliced(knownOmissions) };
+    return { result, fileCount, platform.omissionsIn(directory.path()) };
 }
 
 QList<Folder> classified(const QString& rootPath, const HostPlatform& platform)
@@ -64,7 +63,6 @@ QList<Folder> classified(const QString& rootPath, const HostPlatform& platform)
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
     const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
-    // The walk says nothing of what it cannot read. Another look at each folder does.
     QList<Folder> folders;
     folders.reserve(results.size());
     for (const VLEventFolderClassificationResult& result : results)
@@ -95,13 +93,28 @@ QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
     return array;
 }
 
-QJsonArray reasonsOf(const QList<HostPlatform::Omission>& omissions)
+QString incompleteReason(HostPlatform::ListingProblem problem)
+{
+    switch (problem) {
+    case HostPlatform::ListingProblem::Unreadable:
+        return u"unreadable"_s;
+    case HostPlatform::ListingProblem::Unsearchable:
+        return u"unsearchable"_s;
+    case HostPlatform::ListingProblem::UnknownEntry:
+        return u"unknownEntries"_s;
+    case HostPlatform::ListingProblem::UndecodableName:
+        break;
+    }
+    return u"undecodableNames"_s;
+}
+
+QJsonArray incompleteReasons(const QList<HostPlatform::Omission>& omissions)
 {
     QJsonArray array;
     for (const HostPlatform::Omission& omission : omissions) {
-        array.append(omission.problem == HostPlatform::ListingProblem::Unreadable
-                         ? u"unreadable"_s
-                         : u"undecodableNames"_s);
+        const QString reason = incompleteReason(omission.problem);
+        if (!array.contains(reason))
+            array.append(reason);
     }
     return array;
 }
@@ -124,7 +137,7 @@ QString jsonLine(const Folder& folder, const FolderReasons::Reason& reason, int 
     // clang-format on
     // Only what is incomplete says so: that is what a reader looks for.
     if (!folder.omissions.isEmpty())
-        object.insert(u"incomplete"_s, reasonsOf(folder.omissions));
+        object.insert(u"incomplete"_s, incompleteReasons(folder.omissions));
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 

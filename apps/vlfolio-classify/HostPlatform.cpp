@@ -4,6 +4,8 @@
 
 #include <QtCore/QRegularExpression>
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -29,10 +31,21 @@ bool hasDesktop()
 
 QString sentenceFor(const HostPlatform::Omission& omission)
 {
-    return omission.problem == HostPlatform::ListingProblem::Unreadable
-        ? u"cannot read %1: what is in it is left out"_s.arg(omission.path)
-        : u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(
-            omission.path);
+    const QString reason = Terminal::errorText(omission.systemError);
+    switch (omission.problem) {
+    case HostPlatform::ListingProblem::Unreadable:
+        return u"cannot read %1: %2; what is in it is left out"_s.arg(omission.path, reason);
+    case HostPlatform::ListingProblem::Unsearchable:
+        return u"cannot enter %1: %2; what is below its folders is left out"_s.arg(omission.path,
+                                                                                   reason);
+    case HostPlatform::ListingProblem::UnknownEntry:
+        return u"%1 holds an entry that cannot be looked at: %2; it is left out"_s.arg(
+            omission.path, reason);
+    case HostPlatform::ListingProblem::UndecodableName:
+        break;
+    }
+    return u"%1 holds names that are not UTF-8: folders of such names are left out"_s.arg(
+        omission.path);
 }
 
 } // namespace
@@ -76,14 +89,23 @@ QString HostPlatform::reportPath() const
     return m_reportPath;
 }
 
-void HostPlatform::listingIncomplete(const QDir& directory, ListingProblem problem) const
+void HostPlatform::listingIncomplete(const QDir& directory, ListingProblem problem,
+                                     int systemError) const
 {
-    m_omissions.append({ directory.path(), problem });
+    const auto isSame = [&](const Omission& omission) {
+        return omission.problem == problem && omission.systemError == systemError
+            && omission.path == directory.path();
+    };
+    if (std::none_of(m_omissions.cbegin(), m_omissions.cend(), isSame))
+        m_omissions.append({ directory.path(), problem, systemError });
 }
 
-QList<HostPlatform::Omission> HostPlatform::omissions() const
+QList<HostPlatform::Omission> HostPlatform::omissionsIn(const QString& path) const
 {
-    return m_omissions;
+    QList<Omission> found;
+    std::copy_if(m_omissions.cbegin(), m_omissions.cend(), std::back_inserter(found),
+                 [&path](const Omission& omission) { return omission.path == path; });
+    return found;
 }
 
 void HostPlatform::tellOmissions() const

@@ -16,13 +16,13 @@
 class HostPlatform : public VLPlatformIndependent
 {
 public:
-    using VLPlatformIndependent::ListingProblem;
-
     /// Something in the directory at \a path was left out, and why.
     struct Omission
     {
         QString path;
         ListingProblem problem;
+        /// Why, as an errno value; 0 where the system gave no reason.
+        int systemError;
     };
 
     explicit HostPlatform(CommandLine::Opening opening);
@@ -43,8 +43,8 @@ public:
     /// Path of the report that was to be opened; empty before.
     [[nodiscard]] QString reportPath() const;
 
-    /// What the listings so far left out, in their order.
-    [[nodiscard]] QList<Omission> omissions() const;
+    /// What the listings so far left out of the directory at \a path, each once.
+    [[nodiscard]] QList<Omission> omissionsIn(const QString& path) const;
 
     /// Says which folders hold something that was left out, and why.
     void tellOmissions() const;
@@ -53,7 +53,8 @@ public:
     void openReport();
 
 protected:
-    void listingIncomplete(const QDir& directory, ListingProblem problem) const override;
+    void listingIncomplete(const QDir& directory, ListingProblem problem,
+                           int systemError) const override;
 
 private:
     CommandLine::Opening m_opening;

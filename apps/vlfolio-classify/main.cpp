@@ -15,7 +15,7 @@
 #include <cstdlib>
 #include <new>
 
-#include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -67,10 +67,10 @@ QString directoryProblem(const QString& path)
         return errno == ENOENT ? missing(path) : Terminal::errorText(errno);
     if (!S_ISDIR(status.st_mode))
         return u"it is not a directory"_s;
-    DIR* const stream = opendir(name.constData());
-    if (stream == nullptr)
+    const int directory = open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0)
         return Terminal::errorText(errno);
-    closedir(stream);
+    close(directory);
     return access(name.constData(), X_OK) == 0 ? QString() : Terminal::errorText(errno);
 }
 

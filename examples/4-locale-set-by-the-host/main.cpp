@@ -18,7 +18,6 @@ int main(int argc, char* argv[])
     const VLFolioEventClassifier classifier { QFileInfo() };
     QTextStream out(stdout);
     for (const QString& name : { u"Juli"_s, u"Mittwoch"_s, u"14.07.2019"_s, u"Hochzeit"_s }) {
-        const VLEventFolderType type = classifier.eventFolderType(name);
-        out << name << ": " << type.enumToStringTable()->nameFor(type.value()) << '\n';
+        out << name << ": " << classifier.eventFolderType(name).name() << '\n';
     }
 }

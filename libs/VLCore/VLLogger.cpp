@@ -1,5 +1,7 @@
 #include "VLLogger.h"
 
+#include "VLKomma_p.h"
+
 #include <QtCore/QLoggingCategory>
 
 namespace {

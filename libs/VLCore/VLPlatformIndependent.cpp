@@ -1,14 +1,12 @@
 #include "VLPlatformIndependent.h"
 
+#include "VLKomma_p.h"
 #include "VLPlatform_p.h"
 
 #include <QtCore/QAtomicPointer>
 #include <QtCore/QDebug>
-#include <QtCore/QDirIterator>
 #include <QtCore/QFileInfo>
 #include <QtCore/QProcess>
-
-#include <utility>
 
 namespace {
 
@@ -22,15 +20,13 @@ VLPlatformIndependent* builtInService()
     return service;
 }
 
-// Only Qt can list what a file engine presents, resources for instance.
-QStringList engineFileNames(const QString& path)
+VLPlatform::Listing listingOf(const QDir& directory, VLPlatform::Wanted wanted)
 {
-    QStringList names;
-    for (QDirIterator files(path, QDir::Files); files.hasNext();) {
-        files.next();
-        names.append(files.fileName());
-    }
-    return names;
+    const QString path = directory.path();
+    if (QFileInfo(path).isNativePath())
+        return VLPlatform::listing(path, wanted);
+    // Only Qt can list what a file engine presents, resources for instance.
+    return { VLPlatform::namesListedByQt(path, wanted), {} };
 }
 
 } // namespace
@@ -72,15 +68,18 @@ bool VLPlatformIndependent::openFile(const QString& path, const QStringList& arg
 
 QStringList VLPlatformIndependent::getDirectFilesInDirectory(const QDir& directory) const
 {
-    const QString path = directory.path();
-    if (!QFileInfo(path).isNativePath())
-        return engineFileNames(path);
-    const VLPlatform::Listing listing = VLPlatform::listing(path, VLPlatform::Wanted::Files);
-    if (!listing.isComplete)
-        listingIncomplete(directory, ListingProblem::Unreadable);
-    if (listing.holdsUndecodableName)
-        listingIncomplete(directory, ListingProblem::UndecodableName);
-    return listing.files;
+    const VLPlatform::Listing listing = listingOf(directory, VLPlatform::Wanted::Files);
+    for (const VLPlatform::Problem& problem : listing.problems)
+        listingIncomplete(directory, problem.kind, problem.systemError);
+    return listing.names;
+}
+
+QStringList VLPlatformIndependent::getDirectSubdirectoriesInDirectory(const QDir& directory) const
+{
+    const VLPlatform::Listing listing = listingOf(directory, VLPlatform::Wanted::Directories);
+    for (const VLPlatform::Problem& problem : listing.problems)
+        listingIncomplete(directory, problem.kind, problem.systemError);
+    return listing.names;
 }
 
 void VLPlatformIndependent::directoryContentsChanged(const QDir& directory)
@@ -88,20 +87,10 @@ void VLPlatformIndependent::directoryContentsChanged(const QDir& directory)
     Q_UNUSED(directory)
 }
 
-void VLPlatformIndependent::listingIncomplete(const QDir& directory, ListingProblem problem) const
+void VLPlatformIndependent::listingIncomplete(const QDir& directory, ListingProblem problem,
+                                              int systemError) const
 {
     Q_UNUSED(directory)
     Q_UNUSED(problem)
-}
-
-std::optional<QStringList>
-VLPlatformIndependent::directoriesBesideUndecodableNames(const QDir& directory)
-{
-    const QString path = directory.path();
-    if (!VLPlatform::mayHoldUndecodableNames() || !QFileInfo(path).isNativePath())
-        return std::nullopt;
-    VLPlatform::Listing listing = VLPlatform::listing(path, VLPlatform::Wanted::Directories);
-    if (!listing.holdsUndecodableName)
-        return std::nullopt;
-    return std::move(listing.directories);
+    Q_UNUSED(systemError)
 }

@@ -8,8 +8,6 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-#include <optional>
-
 /// What the libraries need of the desktop and its file system. instance() is the one service of
 /// the process; a host that wants another behaviour derives from this class and puts its own
 /// service in.
@@ -55,38 +53,56 @@ public:
     virtual bool openFile(const QString& path, const QStringList& arguments,
                           const QString& application);
 
+    /// Why a listing lacks something.
+    enum class ListingProblem {
+        /// The directory could not be opened, or not be read to its end.
+        Unreadable,
+        /// The directory could be read, but nothing in it can be entered or asked about.
+        Unsearchable,
+        /// The system could not tell what an entry is, or what a link leads to.
+        UnknownEntry,
+        /// The name of a folder in it is not UTF-8, so that no QString can hold it.
+        UndecodableName,
+    };
+
     /// Returns the names of the regular files directly inside \a directory, in no particular
     /// order. Links to regular files count, as do files that cannot be read and, with the bytes
     /// that are not UTF-8 replaced, files whose names are not. Hidden files, directories, dangling
-    /// links, pipes, sockets and devices are left out. The list is empty when the directory does
-    /// not exist or cannot be read. Only the path of \a directory is used, not its filters.
+    /// links, pipes, sockets and devices are left out.
+    ///
+    /// The report asks for them once for each folder, to count them. Of \a directory only the path
+    /// is used, not its filters. What could not be read is missing, and listingIncomplete() says
+    /// so; what is no directory has no files. Throws std::bad_alloc where the system lacks memory.
     [[nodiscard]] virtual QStringList getDirectFilesInDirectory(const QDir& directory) const;
+
+    /// Returns the names of the folders directly inside \a directory, in no particular order: those
+    /// of the entries that QDir lists for QDir::Dirs and QDir::NoDotAndDotDot. These are
+    /// directories and links to anything but regular files. Hidden folders are left out, as are
+    /// folders whose names are not UTF-8, which listingIncomplete() tells. In contrast to QDir,
+    /// such a name never hides another folder, and a byte order mark at the start of a name stays a
+    /// part of it.
+    ///
+    /// The walk asks for them once for each folder, on the thread that walks, and sorts them. So a
+    /// host that overrides this can show how far a walk is by counting the calls, leave folders and
+    /// everything below them out by returning fewer names, and end a walk early by returning no
+    /// names from then on. Otherwise as getDirectFilesInDirectory().
+    [[nodiscard]] virtual QStringList
+    getDirectSubdirectoriesInDirectory(const QDir& directory) const;
 
     /// Called when files of \a directory were replaced, so that a host can refresh what it shows.
     /// The built-in service does nothing.
     virtual void directoryContentsChanged(const QDir& directory);
 
-    /// Returns the names of the directories directly inside \a directory, and of links to anything
-    /// but regular files, as QDir::Dirs has them, if anything in it has a name that is not UTF-8;
-    /// otherwise nothing. Names that are not UTF-8 and hidden ones are left out; the order is
-    /// unspecified.
-    ///
-    /// Qt's listing passes over a name that it cannot decode in Qt 6.4, and ends at it in Qt 6.8
-    /// (nothing between them was tried): there this finds the directories that it loses.
-    [[nodiscard]] static std::optional<QStringList>
-    directoriesBesideUndecodableNames(const QDir& directory);
-
 protected:
-    /// Why a listing lacks something.
-    enum class ListingProblem {
-        /// The directory could not be read, or not to its end.
-        Unreadable,
-        /// A name in it is not UTF-8, so that no QString can hold it.
-        UndecodableName,
-    };
-
-    /// Called by the built-in getDirectFilesInDirectory() when something in \a directory cannot be
-    /// shown, at most once for each problem, so that a host can say so. The built-in service does
-    /// nothing.
-    virtual void listingIncomplete(const QDir& directory, ListingProblem problem) const;
+    /// Called by both built-in listings when they leave something of \a directory out, so that a
+    /// host can tell its user. One call of a listing calls it at most once for each pair of
+    /// \a problem and \a systemError; the two listings of a directory may tell the same. The
+    /// built-in service does nothing.
+    ///
+    /// \param directory the directory that was listed.
+    /// \param problem what is missing.
+    /// \param systemError the system's reason as an errno value, for which qt_error_string() has a
+    ///     text; 0 where the system gave none.
+    virtual void listingIncomplete(const QDir& directory, ListingProblem problem,
+                                   int systemError) const;
 };

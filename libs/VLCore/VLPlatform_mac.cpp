@@ -1,7 +1,7 @@
+#include "VLKomma_p.h"
 #include "VLPlatform_p.h"
 
-#include <QtCore/QDirIterator>
-#include <QtCore/QFileInfo>
+#include <QtCore/QFile>
 
 using namespace Qt::StringLiterals;
 
@@ -16,23 +16,18 @@ VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringLi
     return { u"open"_s, all };
 }
 
-bool VLPlatform::mayHoldUndecodableNames()
-{
-    return false;
-}
-
 // An entry is hidden here by its name or by a flag of the file system, which Qt knows how to read.
+// Qt does not tell why it lists nothing; opening the directory does.
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
-    const bool wantsFiles = wanted == Wanted::Files;
-    const QDir::Filters filters =
-        wantsFiles ? QDir::Filters(QDir::Files) : QDir::Dirs | QDir::NoDotAndDotDot;
     Listing listing;
-    listing.isComplete = QFileInfo(path).isReadable();
-    QStringList& names = wantsFiles ? listing.files : listing.directories;
-    for (QDirIterator entries(path, filters); entries.hasNext();) {
-        entries.next();
-        names.append(entries.fileName());
+    const OpenDirectory directory(QFile::encodeName(path));
+    if (!directory.isOpen()) {
+        addNotOpened(listing, directory);
+        return listing;
     }
+    listing.names = namesListedByQt(path, wanted);
+    if (!listing.names.isEmpty())
+        addIfUnsearchable(listing, directory);
     return listing;
 }

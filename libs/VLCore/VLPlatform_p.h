@@ -1,9 +1,14 @@
 #pragma once
 
+#include "VLPlatformIndependent.h"
+
+#include <QtCore/QByteArray>
+#include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// What differs from one platform to the next. One source file per platform defines it.
+/// What differs from one platform to the next, and what the platforms share for that. One source
+/// file per platform defines openCommand() and listing().
 namespace VLPlatform {
 
 /// A program and what it is started with.
@@ -20,30 +25,65 @@ struct Command
 [[nodiscard]] Command openCommand(const QString& path, const QStringList& arguments,
                                   const QString& application);
 
-/// True where a file system may hold names that are not UTF-8.
-[[nodiscard]] bool mayHoldUndecodableNames();
+/// Why a listing lacks something.
+struct Problem
+{
+    VLPlatformIndependent::ListingProblem kind;
+    /// The system's error number (errno), 0 where it gave none.
+    int systemError;
+};
 
 /// What stands directly inside a directory, in no particular order.
 struct Listing
 {
-    /// Names of the regular files and of links to such, those that are not UTF-8 included, hidden
-    /// ones left out.
-    QStringList files;
-    /// Names of the directories and of links to anything but regular files, hidden ones left out:
-    /// those that QDir lists as directories. A name that is not UTF-8 is left out, too: no QString
-    /// leads to it.
-    QStringList directories;
-    /// True when any name, also a hidden one, is not UTF-8.
-    bool holdsUndecodableName = false;
-    /// False when the directory could not be read, or not to its end.
-    bool isComplete = false;
+    QStringList names;
+    /// Each problem with each error once.
+    QList<Problem> problems;
 };
 
-/// What to look for: the kind of an entry may cost a system call.
-enum class Wanted { Files, Directories };
+/// What to look for; hidden entries are left out.
+enum class Wanted {
+    /// Regular files and links to such. In names that are not UTF-8, invalid bytes are replaced.
+    Files,
+    /// Directories and links to anything but regular files, as QDir::Dirs has them. Those whose
+    /// names are not UTF-8 are left out: no QString leads to them.
+    Directories,
+};
 
-/// Reads the directory at \a path, which no file engine stands behind. The listing is empty when it
-/// cannot be read.
+/// Reads the directory at \a path, which no file engine stands behind. What is no directory has
+/// nothing in it. Throws std::bad_alloc where the system lacks memory.
 [[nodiscard]] Listing listing(const QString& path, Wanted wanted);
+
+/// Lists the directory at \a path by QDirIterator, which knows file engines and what each platform
+/// hides, but does not tell what went wrong.
+[[nodiscard]] QStringList namesListedByQt(const QString& path, Wanted wanted);
+
+/// A directory that is open for as long as the object lives.
+class OpenDirectory
+{
+public:
+    explicit OpenDirectory(const QByteArray& path);
+    ~OpenDirectory();
+    Q_DISABLE_COPY_MOVE(OpenDirectory)
+
+    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
+    [[nodiscard]] int descriptor() const { return m_descriptor; }
+    /// Why it could not be opened (errno), or 0.
+    [[nodiscard]] int error() const { return m_error; }
+
+private:
+    int m_descriptor;
+    int m_error;
+};
+
+/// Adds a problem to \a listing unless it is there. Throws std::bad_alloc for the error ENOMEM.
+void addProblem(Listing& listing, VLPlatformIndependent::ListingProblem kind, int systemError);
+
+/// Adds that \a directory, which is not open, cannot be read.
+void addNotOpened(Listing& listing, const OpenDirectory& directory);
+
+/// Adds that nothing in \a directory can be entered or asked, if that is so, in place of what was
+/// found out about single entries for the same reason.
+void addIfUnsearchable(Listing& listing, const OpenDirectory& directory);
 
 } // namespace VLPlatform

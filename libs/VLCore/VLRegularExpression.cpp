@@ -1,5 +1,7 @@
 #include "VLRegularExpression.h"
 
+#include "VLKomma_p.h"
+
 #include <QtCore/QMutexLocker>
 
 VLRegularExpression::VLRegularExpression(const QString& pattern,

@@ -1,5 +1,6 @@
 #include "VLClassificationResultsRendererHTML.h"
 
+#include <VLCore/VLKomma_p.h>
 #include <VLCore/VLPlatformIndependent.h>
 
 #include <QtCore/QDebug>
@@ -34,11 +35,6 @@ constexpr QLatin1StringView tableStart("\t\t<table>\n"
                                        "\t\t\t\t<th>Occasion</th>\n"
                                        "\t\t\t</tr>\n");
 constexpr QLatin1StringView tableEnd("\t\t</table>\n");
-
-QString typeName(const VLEventFolderType& type)
-{
-    return type.enumToStringTable()->nameFor(type.value());
-}
 
 int directFileCount(const QString& path)
 {
@@ -153,8 +149,8 @@ void VLClassificationResultsRendererHTML::writeTableEntry(
     const QString path = result.directory().absoluteFilePath();
     const bool isRoot = type == VLEventFolderTypeEnum::Root;
 
-    stream << "\t\t\t<tr class="_L1 << typeName(type) << ">\n"_L1;
-    writeCell(stream, typeName(type));
+    stream << "\t\t\t<tr class="_L1 << type.name() << ">\n"_L1;
+    writeCell(stream, type.name());
     writeCell(stream, isRoot ? path : path.mid(rootPathLength));
     writeCell(stream, QString::number(directFileCount(path)));
     writeCell(stream, occasionText(result.occasionInformation()));

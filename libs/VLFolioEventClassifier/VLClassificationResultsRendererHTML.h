@@ -3,8 +3,7 @@
 /// \file
 
 #include "VLEventFolderClassificationResult.h"
-
-#include <VLCore/VLGlobal.h>
+#include "VLFolioGlobal.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QList>
@@ -39,9 +38,17 @@ public:
     VLClassificationResultsRendererHTML(
         const QList<VLEventFolderClassificationResult>& classificationResults, int prefixLength,
         const QStringList& fileNameFilters);
-    /// Releases the fields; touches no file.
+    /// \{
+    /// A copy writes the same report.
+    VLClassificationResultsRendererHTML(const VLClassificationResultsRendererHTML&) = default;
+    VLClassificationResultsRendererHTML(VLClassificationResultsRendererHTML&&) noexcept = default;
+    VLClassificationResultsRendererHTML&
+    operator=(const VLClassificationResultsRendererHTML&) = default;
+    VLClassificationResultsRendererHTML&
+    operator=(VLClassificationResultsRendererHTML&&) noexcept = default;
+    /// \}
+    /// Touches no file.
     virtual ~VLClassificationResultsRendererHTML();
-    Q_DISABLE_COPY_MOVE(VLClassificationResultsRendererHTML)
 
     /// True when the absolute path of \a first sorts before that of \a second, UTF-16 code unit by
     /// code unit. That is no tree order: "2019-x" comes between "2019" and "2019/01".

@@ -2,6 +2,8 @@
 
 #include "VLOwnFileInfo_p.h"
 
+#include <VLCore/VLKomma_p.h>
+
 using namespace Qt::StringLiterals;
 
 VLEventFolderClassificationResult::VLEventFolderClassificationResult() = default;
@@ -20,7 +22,7 @@ bool VLEventFolderClassificationResult::operator==(
 {
     if (m_classification != other.m_classification)
         return false;
-    return withOwnData(m_directory) == withOwnData(other.m_directory);
+    return VLOwnFileInfo::detached(m_directory) == VLOwnFileInfo::detached(other.m_directory);
 }
 
 QFileInfo VLEventFolderClassificationResult::directory() const
@@ -46,11 +48,10 @@ void VLEventFolderClassificationResult::setOccasionInformation(
 
 QString VLEventFolderClassificationResult::render(int prefixLength) const
 {
-    const QString path = withOwnData(m_directory).absoluteFilePath().mid(prefixLength);
-    const QString name = m_classification.enumToStringTable()->nameFor(m_classification.value());
+    const QString path = VLOwnFileInfo::detached(m_directory).absoluteFilePath().mid(prefixLength);
     // Two substitutions, the path first: the second one also fills a placeholder of the path.
     const QString line = u"%2 <= %1"_s.arg(path);
-    return line.arg(name, 7);
+    return line.arg(m_classification.name(), 7);
 }
 
 void VLEventFolderClassificationResult::expandTo(const VLEventFolderType& type)

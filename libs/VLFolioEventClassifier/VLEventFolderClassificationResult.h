@@ -3,9 +3,8 @@
 /// \file
 
 #include "VLEventFolderType.h"
+#include "VLFolioGlobal.h"
 #include "VLOccasionInfoList.h"
-
-#include <VLCore/VLGlobal.h>
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QString>

@@ -2,6 +2,8 @@
 
 #include "VLOwnFileInfo_p.h"
 
+#include <VLCore/VLKomma_p.h>
+
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -40,6 +42,6 @@ QString VLEventFolderClassificationResultList::toString()
     QStringList paths;
     paths.reserve(size());
     for (const VLEventFolderClassificationResult& result : std::as_const(*this))
-        paths.append(withOwnData(result.directory()).absoluteFilePath());
+        paths.append(VLOwnFileInfo::detached(result.directory()).absoluteFilePath());
     return paths.join(u"\n"_s);
 }

@@ -3,8 +3,7 @@
 /// \file
 
 #include "VLEventFolderClassificationResult.h"
-
-#include <VLCore/VLGlobal.h>
+#include "VLFolioGlobal.h"
 
 #include <QtCore/QList>
 #include <QtCore/QString>

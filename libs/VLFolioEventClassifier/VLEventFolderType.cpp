@@ -1,5 +1,7 @@
 #include "VLEventFolderType.h"
 
+#include <VLCore/VLKomma_p.h>
+
 using namespace Qt::StringLiterals;
 
 template class VLEnumWrapper<VLEventFolderTypeEnum>;
@@ -11,6 +13,11 @@ VLEventFolderType::VLEventFolderType(VLEventFolderTypeEnum value) noexcept
 }
 
 VLEventFolderType::~VLEventFolderType() = default;
+
+QString VLEventFolderType::name() const
+{
+    return enumToStringTable()->nameFor(value());
+}
 
 void VLEventFolderType::fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const
 {

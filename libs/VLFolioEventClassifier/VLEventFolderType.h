@@ -2,8 +2,9 @@
 
 /// \file
 
+#include "VLFolioGlobal.h"
+
 #include <VLCore/VLEnumWrapper.h>
-#include <VLCore/VLGlobal.h>
 
 /// What kind of folder a directory is within a collection of pictures. The values are bit flags
 /// and may be combined; the names in quotes are those that the shared table of names holds.
@@ -29,7 +30,7 @@ enum class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderTypeEnum : qint32 {
 ///
 /// \code
 /// VLEventFolderType type = VLEventFolderTypeEnum::Year;
-/// type.enumToStringTable()->nameFor(type.value());        // "Year"
+/// type.name();                                            // "Year"
 /// type |= VLEventFolderTypeEnum::Event;                   // 18, which has no name
 /// type == VLEventFolderTypeEnum::Event;                   // false: the numbers differ
 /// type.reducedTo(VLEventFolderTypeEnum::Event);           // VLEventFolderTypeEnum::Event
@@ -52,6 +53,10 @@ public:
     /// \}
     /// Releases nothing.
     ~VLEventFolderType() override;
+
+    /// The name of this type in the shared table, for instance "Year"; empty for a combination of
+    /// flags.
+    [[nodiscard]] QString name() const;
 
     /// Inserts the seven names of VLEventFolderTypeEnum into \a table, which must not be null.
     void fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const override;

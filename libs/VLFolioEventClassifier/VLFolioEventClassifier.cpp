@@ -3,6 +3,7 @@
 #include "VLClassificationResultsRendererHTML.h"
 #include "VLOwnFileInfo_p.h"
 
+#include <VLCore/VLKomma_p.h>
 #include <VLCore/VLLogger.h>
 #include <VLCore/VLPlatformIndependent.h>
 #include <VLCore/VLRegularExpression.h>
@@ -11,11 +12,9 @@
 #include <QtCore/QDate>
 #include <QtCore/QDir>
 #include <QtCore/QFile>
-#include <QtCore/QLibraryInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
-#include <QtCore/QVersionNumber>
 
 #include <algorithm>
 #include <array>
@@ -24,6 +23,7 @@
 #include <new>
 #include <system_error>
 #include <utility>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 
@@ -268,33 +268,25 @@ struct Level
     QFileInfoList subdirectories;
 };
 
-// In Qt 6.4 a listing passes over a name that it cannot decode, in 6.8 it ends there. The versions
-// between them are taken to do so, too, which is right for either.
-bool listingEndsAtUndecodableName()
-{
-    static const bool ends = QLibraryInfo::version() >= QVersionNumber(6, 5);
-    return ends;
-}
-
-QFileInfoList sortedEntries(const QDir& directory, QStringList names)
-{
-    std::sort(names.begin(), names.end());
-    QFileInfoList entries;
-    // Not joined by QDir, which takes a name such as ":name" for the path of a resource. Cleaned
-    // for the root of the file system, whose path ends with a slash.
-    for (const QString& name : std::as_const(names))
-        entries.append(QFileInfo(QDir::cleanPath(directory.path() + u'/' + name)));
-    return entries;
-}
-
-QFileInfoList subdirectories(const QFileInfo& directory)
+// In the order of QDir::Name. A path is not joined by QDir, which takes a name such as ":name" for
+// that of a resource.
+QFileInfoList subdirectoriesOf(const QFileInfo& directory)
 {
     const QDir dir(directory.absoluteFilePath());
-    if (listingEndsAtUndecodableName()) {
-        if (auto names = VLPlatformIndependent::directoriesBesideUndecodableNames(dir))
-            return sortedEntries(dir, std::move(*names));
-    }
-    return dir.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name);
+    const QStringList names =
+        VLPlatformIndependent::instance()->getDirectSubdirectoriesInDirectory(dir);
+    // Not sorted in place: a list that is shared with the service would be detached, which crashes
+    // where there is no memory for it.
+    std::vector<QString> sorted(names.cbegin(), names.cend());
+    std::sort(sorted.begin(), sorted.end());
+
+    QString path = dir.path();
+    if (!path.endsWith(u'/'))
+        path.append(u'/');
+    QFileInfoList subdirectories;
+    for (const QString& name : std::as_const(sorted))
+        subdirectories.append(QFileInfo(path + name));
+    return subdirectories;
 }
 
 Q_NEVER_INLINE std::unique_ptr<const Level>
@@ -303,7 +295,7 @@ levelOf(VLFolioEventClassifier& classifier, const QFileInfo& directory,
 {
     return std::make_unique<const Level>(
         Level { classifier.contextDependentEventFolderType(directory, parentResult),
-                subdirectories(directory) });
+                subdirectoriesOf(directory) });
 }
 
 // Appends: a list made of an initializer list crashes where there is no memory for it.
@@ -324,8 +316,19 @@ Q_NEVER_INLINE void moveTo(QList<VLEventFolderClassificationResult>& results,
 } // namespace
 
 VLFolioEventClassifier::VLFolioEventClassifier(const QFileInfo& root)
-    : rootDirectory(withOwnData(root))
+    : rootDirectory(VLOwnFileInfo::detached(root))
 {
+}
+
+VLFolioEventClassifier::VLFolioEventClassifier(const VLFolioEventClassifier& other)
+    : rootDirectory(VLOwnFileInfo::detached(other.rootDirectory))
+{
+}
+
+VLFolioEventClassifier& VLFolioEventClassifier::operator=(const VLFolioEventClassifier& other)
+{
+    rootDirectory = VLOwnFileInfo::detached(other.rootDirectory);
+    return *this;
 }
 
 VLFolioEventClassifier::~VLFolioEventClassifier() = default;

@@ -4,8 +4,7 @@
 
 #include "VLEventFolderClassificationResult.h"
 #include "VLEventFolderType.h"
-
-#include <VLCore/VLGlobal.h>
+#include "VLFolioGlobal.h"
 
 #include <QtCore/QFileInfo>
 #include <QtCore/QList>
@@ -33,15 +32,30 @@
 /// several threads may each use their own; one object belongs to one thread at a time. Classifiers
 /// may be made of one absolute QFileInfo, but what is passed to the other operations must belong to
 /// the calling thread: copies of a QFileInfo share what Qt caches in it, without a lock.
+///
+/// A host watches, narrows or ends a walk through its own platform service, see
+/// VLPlatformIndependent::getDirectSubdirectoriesInDirectory(). When the application quits, a walk
+/// on another thread ends at the next folder, as soon as QCoreApplication::closingDown() is true.
+/// That is so once the destructor of the application object has begun: it waits there for the
+/// global QThreadPool, whose walks therefore end early. A QThread that is waited for before that
+/// destructor, or by an object that it deletes, walks to its end unless the host's service ends the
+/// walk.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:
     /// Makes a classifier for the tree below \a root, which is copied and not looked at.
     /// It need not exist. A default-constructed QFileInfo stands for the working directory.
     explicit VLFolioEventClassifier(const QFileInfo& root);
-    /// Releases the root; touches no file.
+    /// \{
+    /// A copy may be used on another thread than the original: of an absolute root nothing that Qt
+    /// caches is shared.
+    VLFolioEventClassifier(const VLFolioEventClassifier& other);
+    VLFolioEventClassifier(VLFolioEventClassifier&& other) noexcept = default;
+    VLFolioEventClassifier& operator=(const VLFolioEventClassifier& other);
+    VLFolioEventClassifier& operator=(VLFolioEventClassifier&& other) noexcept = default;
+    /// \}
+    /// Touches no file.
     virtual ~VLFolioEventClassifier();
-    Q_DISABLE_COPY_MOVE(VLFolioEventClassifier)
 
     /// Does one whole run: logs "startClassifyEvent", walks the tree, writes the report
     /// "vela.classification.results.html" into the root directory, and hands that file to

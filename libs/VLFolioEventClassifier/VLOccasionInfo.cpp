@@ -1,5 +1,7 @@
 #include "VLOccasionInfo.h"
 
+#include <VLCore/VLKomma_p.h>
+
 using namespace Qt::StringLiterals;
 
 VLOccasionInfo::VLOccasionInfo() = default;

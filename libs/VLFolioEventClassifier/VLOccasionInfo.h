@@ -2,7 +2,7 @@
 
 /// \file
 
-#include <VLCore/VLGlobal.h>
+#include "VLFolioGlobal.h"
 
 #include <QtCore/QString>
 

@@ -1,5 +1,7 @@
 #include "VLOccasionInfoList.h"
 
+#include <VLCore/VLKomma_p.h>
+
 using namespace Qt::StringLiterals;
 
 VLOccasionInfoList::~VLOccasionInfoList() = default;

@@ -2,9 +2,8 @@
 
 /// \file
 
+#include "VLFolioGlobal.h"
 #include "VLOccasionInfo.h"
-
-#include <VLCore/VLGlobal.h>
 
 #include <QtCore/QList>
 #include <QtCore/QString>

@@ -1,6 +1,8 @@
 #include "VLOwnFileInfo_p.h"
 
-QFileInfo VLOwnFileInfo::withOwnData(const QFileInfo& info)
+#include <VLCore/VLKomma_p.h>
+
+QFileInfo VLOwnFileInfo::detached(const QFileInfo& info)
 {
     if (!info.isNativePath())
         return info;

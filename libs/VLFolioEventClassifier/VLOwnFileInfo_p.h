@@ -11,8 +11,6 @@ namespace VLOwnFileInfo {
 ///
 /// A relative path keeps its data: it may have become absolute under another working directory. So
 /// does the path of a file engine, and an object without a path, which is equal only to its copies.
-[[nodiscard]] QFileInfo withOwnData(const QFileInfo& info);
+[[nodiscard]] QFileInfo detached(const QFileInfo& info);
 
 } // namespace VLOwnFileInfo
-
-using VLOwnFileInfo::withOwnData;

@@ -1,4 +1,4 @@
-#include <VLCore/VLGlobal.h>
+#include <VLCore/VLKomma_p.h>
 
 const QString* kommaOfSecondSourceFile();
 

@@ -20,6 +20,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <type_traits>
@@ -37,14 +38,14 @@ public:
     }
 
     QStringList changed;
-    mutable QStringList unreadable;
-    mutable QStringList undecodable;
+    // One line for each call, as "kind error path".
+    mutable QStringList told;
 
 protected:
-    void listingIncomplete(const QDir& directory, ListingProblem problem) const override
+    void listingIncomplete(const QDir& directory, ListingProblem problem,
+                           int systemError) const override
     {
-        QStringList& told = problem == ListingProblem::Unreadable ? unreadable : undecodable;
-        told.append(directory.path());
+        told.append(u"%1 %2 %3"_s.arg(int(problem)).arg(systemError).arg(directory.path()));
     }
 };
 
@@ -218,10 +219,8 @@ private Q_SLOTS:
     void filters_of_the_directory_are_ignored();
 
     void files_of_a_file_engine_are_listed();
-    void undecodable_file_name_is_listed_and_told();
-    void directory_that_cannot_be_read_is_told();
-    void directories_beside_undecodable_names();
-    void directories_without_undecodable_names_are_left_to_qt();
+    void undecodable_file_name_is_listed();
+    void incomplete_listings_are_told();
     void working_directory_that_no_path_leads_to();
 
     void application_gets_the_file_data();
@@ -533,10 +532,11 @@ void tst_VLPlatformIndependent::files_of_a_file_engine_are_listed()
     QCOMPARE(sorted(service->getDirectFilesInDirectory(resources)),
              (QStringList { u"a.txt"_s, u"b.txt"_s }));
     QCOMPARE(service->getDirectFilesInDirectory(QDir(u":/vl-test/missing"_s)), QStringList());
-    QVERIFY(!VLPlatformIndependent::directoriesBesideUndecodableNames(resources).has_value());
+    QCOMPARE(service->getDirectSubdirectoriesInDirectory(QDir(u":/vl-test"_s)),
+             QStringList { u"listed"_s });
 }
 
-void tst_VLPlatformIndependent::undecodable_file_name_is_listed_and_told()
+void tst_VLPlatformIndependent::undecodable_file_name_is_listed()
 {
     const UndecodableFile undecodable(m_directory->path());
     if (!undecodable.isValid())
@@ -545,54 +545,23 @@ void tst_VLPlatformIndependent::undecodable_file_name_is_listed_and_told()
     const HostService ofHost;
     const QStringList files { u"a"_s, u"m\uFFFDnchen"_s };
     QCOMPARE(sorted(ofHost.getDirectFilesInDirectory(QDir(m_directory->path()))), files);
-    QCOMPARE(ofHost.undecodable, QStringList { m_directory->path() });
-    QCOMPARE(ofHost.unreadable, QStringList());
-    QCOMPARE(sorted(VLPlatformIndependent::instance()->getDirectFilesInDirectory(
-                 QDir(m_directory->path()))),
-             files);
+    QCOMPARE(ofHost.told, QStringList());
 }
 
-void tst_VLPlatformIndependent::directory_that_cannot_be_read_is_told()
+void tst_VLPlatformIndependent::incomplete_listings_are_told()
 {
     const HostService ofHost;
     const QString missing = m_directory->filePath(u"missing"_s);
+    const QString line = u"%1 %2 %3"_s.arg(int(VLPlatformIndependent::ListingProblem::Unreadable))
+                             .arg(ENOENT)
+                             .arg(missing);
     QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(missing)), QStringList());
-    QCOMPARE(ofHost.unreadable, QStringList { missing });
+    QCOMPARE(ofHost.told, QStringList { line });
+    QCOMPARE(ofHost.getDirectSubdirectoriesInDirectory(QDir(missing)), QStringList());
+    QCOMPARE(ofHost.told, (QStringList { line, line }));
     QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(m_directory->path())), QStringList());
-    QCOMPARE(ofHost.unreadable, QStringList { missing });
-    QCOMPARE(ofHost.undecodable, QStringList());
-}
-
-void tst_VLPlatformIndependent::directories_beside_undecodable_names()
-{
-    const UndecodableFile undecodable(m_directory->path());
-    if (!undecodable.isValid())
-        QSKIP("This file system takes names in UTF-8 only");
-    writeFile(path(u"file"_s));
-    const QDir directory(m_directory->path());
-    QVERIFY(directory.mkdir(u"sub"_s));
-    QVERIFY(directory.mkdir(u".hidden"_s));
-    makeLink(u"sub"_s, path(u"link"_s));
-    makeLink(u"file"_s, path(u"linkToFile"_s));
-    makeLink(u"missing"_s, path(u"danglingLink"_s));
-    makeLink(u"linkInCircle"_s, path(u"linkInCircle"_s));
-    makeLink(u"/dev/null"_s, path(u"linkToDevice"_s));
-    makeSocket(path(u"socket"_s));
-    makeLink(u"socket"_s, path(u"linkToSocket"_s));
-    const auto found = VLPlatformIndependent::directoriesBesideUndecodableNames(directory);
-    QVERIFY(found.has_value());
-    // Links to devices and sockets are among the directories that QDir lists, too.
-    QCOMPARE(sorted(*found),
-             (QStringList { u"link"_s, u"linkToDevice"_s, u"linkToSocket"_s, u"sub"_s }));
-}
-
-void tst_VLPlatformIndependent::directories_without_undecodable_names_are_left_to_qt()
-{
-    const QDir directory(m_directory->path());
-    QVERIFY(directory.mkdir(u"sub"_s));
-    QVERIFY(!VLPlatformIndependent::directoriesBesideUndecodableNames(directory).has_value());
-    const QDir missing(path(u"missing"_s));
-    QVERIFY(!VLPlatformIndependent::directoriesBesideUndecodableNames(missing).has_value());
+    QCOMPARE(ofHost.getDirectSubdirectoriesInDirectory(QDir(m_directory->path())), QStringList());
+    QCOMPARE(ofHost.told, (QStringList { line, line }));
 }
 
 void tst_VLPlatformIndependent::working_directory_that_no_path_leads_to()
@@ -615,7 +584,7 @@ void tst_VLPlatformIndependent::working_directory_that_no_path_leads_to()
     const QDir asked(u"."_s);
     QCOMPARE(VLPlatformIndependent::instance()->getDirectFilesInDirectory(asked),
              QStringList { u"file"_s });
-    QCOMPARE(VLPlatformIndependent::directoriesBesideUndecodableNames(asked),
+    QCOMPARE(VLPlatformIndependent::instance()->getDirectSubdirectoriesInDirectory(asked),
              QStringList { u"2019"_s });
 }
 

@@ -1,7 +1,7 @@
 #include <MessageRecorder.h>
 #include <RunTogether.h>
 
-#include <VLCore/VLGlobal.h>
+#include <VLCore/VLKomma_p.h>
 #include <VLCore/VLLogger.h>
 #include <VLCore/VLPlatformIndependent.h>
 #include <VLCore/VLRegularExpression.h>
@@ -318,8 +318,10 @@ void tst_core::virtualOperationsKeepTheirOrder_data()
     using Platform = VLPlatformIndependent;
     QTest::newRow("platform_openFile") << slotOf(&Platform::openFile) << 2;
     QTest::newRow("platform_files") << slotOf(&Platform::getDirectFilesInDirectory) << 3;
-    QTest::newRow("platform_changed") << slotOf(&Platform::directoryContentsChanged) << 4;
-    QTest::newRow("platform_incomplete") << slotOf(&OpenPlatform::listingIncomplete) << 5;
+    QTest::newRow("platform_subdirectories")
+        << slotOf(&Platform::getDirectSubdirectoriesInDirectory) << 4;
+    QTest::newRow("platform_changed") << slotOf(&Platform::directoryContentsChanged) << 5;
+    QTest::newRow("platform_incomplete") << slotOf(&OpenPlatform::listingIncomplete) << 6;
 
     QTest::newRow("logger_initialize") << slotOf(&VLLogger::initialize) << 2;
 }

@@ -31,14 +31,6 @@ std::array<char, 16> armedCall {};
 Path armedDirectory {};
 Path failedPath {};
 
-// A directory that is being read, under the name it was opened by.
-struct Stream
-{
-    const DIR* stream = nullptr;
-    Path path {};
-};
-std::array<Stream, 8> streams;
-
 void copy(std::string_view text, char* target, std::size_t size)
 {
     const std::size_t length = std::min(text.size(), size - 1);
@@ -102,28 +94,16 @@ bool failsAt(std::string_view call, const char* path)
     return fails(call, AT_FDCWD, path);
 }
 
-Stream& entryOf(const DIR* stream)
+// With the file types no more told, if that is what is armed.
+void forgetFileTypes(int descriptor, void* entries, ssize_t size)
 {
-    const auto entry = std::find_if(streams.begin(), streams.end(),
-                                    [stream](const Stream& one) { return one.stream == stream; });
-    if (entry == streams.end())
-        std::abort();
-    return *entry;
-}
-
-bool failsToRead(const DIR* stream)
-{
-    return lastFailing > 0 && fails("readdir", std::string_view(entryOf(stream).path.data()));
-}
-
-// With its kind no more told, if that is what is armed.
-template <typename Entry>
-Entry* read(const DIR* stream, Entry* entry)
-{
-    if (entry != nullptr && lastFailing > 0
-        && fails("kind", std::string_view(entryOf(stream).path.data())))
+    if (!fails("kind", descriptor))
+        return;
+    for (ssize_t offset = 0; offset < size;) {
+        auto* const entry = reinterpret_cast<dirent64*>(static_cast<char*>(entries) + offset);
         entry->d_type = DT_UNKNOWN;
-    return entry;
+        offset += entry->d_reclen;
+    }
 }
 
 [[gnu::constructor]] void armFromEnvironment()
@@ -182,18 +162,6 @@ int close(int descriptor)
     return -1;
 }
 
-int closedir(DIR* stream)
-{
-    static const auto function = original<decltype(&closedir)>("closedir");
-    const bool failing = fails("close", dirfd(stream));
-    entryOf(stream).stream = nullptr;
-    const int result = function(stream);
-    if (!failing)
-        return result;
-    errno = errorNumber;
-    return -1;
-}
-
 int open(const char* path, int flags, ...)
 {
     static const auto function = original<int (*)(const char*, int, ...)>("open");
@@ -224,28 +192,15 @@ int openat(int directory, const char* path, int flags, ...)
     return fails("open", directory, path) ? -1 : function(directory, path, flags, mode);
 }
 
-DIR* opendir(const char* path)
+ssize_t getdents64(int descriptor, void* entries, std::size_t size) noexcept
 {
-    static const auto function = original<decltype(&opendir)>("opendir");
-    DIR* const stream = failsAt("opendir", path) ? nullptr : function(path);
-    if (stream != nullptr) {
-        Stream& entry = entryOf(nullptr);
-        entry.stream = stream;
-        copy(path, entry.path.data(), entry.path.size());
-    }
-    return stream;
-}
-
-dirent* readdir(DIR* stream)
-{
-    static const auto function = original<decltype(&readdir)>("readdir");
-    return failsToRead(stream) ? nullptr : read(stream, function(stream));
-}
-
-dirent64* readdir64(DIR* stream)
-{
-    static const auto function = original<decltype(&readdir64)>("readdir64");
-    return failsToRead(stream) ? nullptr : read(stream, function(stream));
+    static const auto function = original<decltype(&getdents64)>("getdents64");
+    if (fails("getdents64", descriptor))
+        return -1;
+    const ssize_t used = function(descriptor, entries, size);
+    if (lastFailing > 0)
+        forgetFileTypes(descriptor, entries, used);
+    return used;
 }
 
 ssize_t readlink(const char* path, char* target, std::size_t size) noexcept

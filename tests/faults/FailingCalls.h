@@ -5,14 +5,13 @@
 /// The environment variable VLFOLIO_FAILING_CALL, "CALL FIRST LAST ERROR DIRECTORY", arms it at
 /// the program's begin; the line "failed" on standard error tells then that a call has failed.
 ///
-/// The calls are "access", "close", "open", "opendir", "readdir", "readlink", "realpath", "stat"
-/// (in all its forms), "unlink" and "write". Those of the C library within itself do not count.
-/// "kind" lets "readdir" go on without telling the kind of an entry, as on some file systems.
+/// The calls are "access", "close", "getdents64", "open", "readlink", "realpath", "stat" (in all its
+/// forms), "unlink" and "write". Those of the C library within itself do not count. "kind" lets
+/// "getdents64" go on without telling file types, as on some file systems.
 extern "C" {
 
 /// Makes the \a first to the \a last \a call on \a directory or on anything below it fail with
-/// \a error, an errno value; a negative one leaves errno as it is, so that "readdir" tells an end.
-/// The very first call is 1.
+/// \a error, an errno value. The very first call is 1.
 void vlArmFailingCall(const char* call, long first, long last, int error, const char* directory);
 
 /// Ends the failing. Returns the path that the last failed call was about, or a null pointer if

@@ -184,8 +184,6 @@ void tst_failing_allocations::attempts_data()
     QTest::addColumn<QString>("temperature");
     QTest::addColumn<QString>("extent");
     // How many allocations the call makes at the least, with Qt 6.4 and with Qt 6.8.
-    QTest::addColumn<int>("atLeast");
-    QTest::addColumn<int>("atLeastSinceQt68");
 
     const QString walk = u"walk"_s;
     const QString listed = u"listed"_s;
@@ -194,16 +192,16 @@ void tst_failing_allocations::attempts_data()
     const QString cold = u"cold"_s;
     const QString once = u"once"_s;
     const QString onwards = u"onwards"_s;
-    QTest::newRow("walk_one_failure") << walk << warm << once << 900 << 700;
-    QTest::newRow("walk_all_later_ones_fail") << walk << warm << onwards << 900 << 700;
-    QTest::newRow("first_walk_one_failure") << walk << cold << once << 1000 << 800;
-    QTest::newRow("first_walk_all_later_ones_fail") << walk << cold << onwards << 1000 << 800;
-    QTest::newRow("own_listing_one_failure") << listed << warm << once << 900 << 700;
-    QTest::newRow("own_listing_all_later_ones_fail") << listed << warm << onwards << 900 << 700;
-    QTest::newRow("run_one_failure") << run << warm << once << 1100 << 950;
-    QTest::newRow("run_all_later_ones_fail") << run << warm << onwards << 1100 << 950;
-    QTest::newRow("first_run_one_failure") << run << cold << once << 1300 << 1150;
-    QTest::newRow("first_run_all_later_ones_fail") << run << cold << onwards << 1300 << 1150;
+    QTest::newRow("walk_one_failure") << walk << warm << once;
+    QTest::newRow("walk_all_later_ones_fail") << walk << warm << onwards;
+    QTest::newRow("first_walk_one_failure") << walk << cold << once;
+    QTest::newRow("first_walk_all_later_ones_fail") << walk << cold << onwards;
+    QTest::newRow("own_listing_one_failure") << listed << warm << once;
+    QTest::newRow("own_listing_all_later_ones_fail") << listed << warm << onwards;
+    QTest::newRow("run_one_failure") << run << warm << once;
+    QTest::newRow("run_all_later_ones_fail") << run << warm << onwards;
+    QTest::newRow("first_run_one_failure") << run << cold << once;
+    QTest::newRow("first_run_all_later_ones_fail") << run << cold << onwards;
 }
 
 std::vector<Attempt> tst_failing_allocations::run(const QStringList& arguments) const
@@ -227,13 +225,6 @@ void tst_failing_allocations::attempts()
     QFETCH(const QString, call);
     QFETCH(const QString, temperature);
     QFETCH(const QString, extent);
-#if QT_VERSION >= QT_VERSION_CHECK(6, 8, 0)
-    QFETCH(const int, atLeastSinceQt68);
-    const int fewest = atLeastSinceQt68;
-#else
-    QFETCH(const int, atLeast);
-    const int fewest = atLeast;
-#endif
     // Two primes, so that the short form does not see the same allocation of every folder.
     const QString step = allAttempts ? u"1"_s : temperature == u"cold"_s ? u"41"_s : u"29"_s;
 
@@ -242,7 +233,6 @@ void tst_failing_allocations::attempts()
     QVERIFY(!attempts.empty());
     const Attempt& last = attempts.back();
     QCOMPARE(last.outcome(), u"untouched"_s);
-    QVERIFY(last.what.constFirst().toInt() >= fewest);
     const qsizetype blocks = last.number(u"blocks"_s);
     if (temperature == u"warm"_s)
         QCOMPARE(blocks, 0);

@@ -9,6 +9,7 @@
 #include "ClassifyCommands.cpp" // NOLINT(bugprone-suspicious-include)
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 
 namespace {
@@ -21,9 +22,9 @@ Folder folderOf(const Item& item)
     using Problem = HostPlatform::ListingProblem;
     Folder folder { FuzzedResults::resultOf(item), item.path.size(), {} };
     if (folder.fileCount & 1)
-        folder.omissions.append({ item.path, Problem::Unreadable });
+        folder.omissions.append({ item.path, Problem::Unreadable, EIO });
     if (folder.fileCount & 2)
-        folder.omissions.append({ item.path, Problem::UndecodableName });
+        folder.omissions.append({ item.path, Problem::UndecodableName, 0 });
     return folder;
 }
 

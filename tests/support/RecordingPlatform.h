@@ -56,12 +56,23 @@ public:
     }
 
     mutable QStringList calls;
+    /// Paths of the directories whose listings lacked something.
+    mutable QStringList incomplete;
     QStringList openedArguments;
     QString openedApplication;
     /// What openFile() answers.
     bool opens = true;
     /// How many files each directory is said to hold, unless negative.
     qsizetype fileCount = -1;
+
+protected:
+    void listingIncomplete(const QDir& directory, ListingProblem problem,
+                           int systemError) const override
+    {
+        Q_UNUSED(problem)
+        Q_UNUSED(systemError)
+        incomplete.append(directory.path());
+    }
 
 private:
     Action m_action;

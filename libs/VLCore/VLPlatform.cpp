@@ -1,0 +1,70 @@
+#include "VLKomma_p.h"
+#include "VLPlatform_p.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QDirIterator>
+
+#include <algorithm>
+#include <cerrno>
+#include <new>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+using ListingProblem = VLPlatformIndependent::ListingProblem;
+
+VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
+    : m_descriptor(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    , m_error(m_descriptor < 0 ? errno : 0)
+{
+}
+
+VLPlatform::OpenDirectory::~OpenDirectory()
+{
+    if (isOpen())
+        ::close(m_descriptor);
+}
+
+void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemError)
+{
+    if (systemError == ENOMEM)
+        throw std::bad_alloc();
+    const auto isSame = [kind, systemError](const Problem& problem) {
+        return problem.kind == kind && problem.systemError == systemError;
+    };
+    if (std::none_of(listing.problems.cbegin(), listing.problems.cend(), isSame))
+        listing.problems.append({ kind, systemError });
+}
+
+void VLPlatform::addNotOpened(Listing& listing, const OpenDirectory& directory)
+{
+    // A link to a pipe is listed as a directory, and has nothing in it.
+    if (directory.error() != ENOTDIR)
+        addProblem(listing, ListingProblem::Unreadable, directory.error());
+}
+
+void VLPlatform::addIfUnsearchable(Listing& listing, const OpenDirectory& directory)
+{
+    struct stat status = {};
+    if (::fstatat(directory.descriptor(), ".", &status, 0) == 0)
+        return;
+    const int error = errno;
+    // One word for all entries.
+    listing.problems.removeIf([error](const Problem& problem) {
+        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == error;
+    });
+    addProblem(listing, ListingProblem::Unsearchable, error);
+}
+
+QStringList VLPlatform::namesListedByQt(const QString& path, Wanted wanted)
+{
+    const QDir::Filters filters =
+        wanted == Wanted::Files ? QDir::Filters(QDir::Files) : QDir::Dirs | QDir::NoDotAndDotDot;
+    QStringList names;
+    for (QDirIterator entries(path, filters); entries.hasNext();) {
+        entries.next();
+        names.append(entries.fileName());
+    }
+    return names;
+}
