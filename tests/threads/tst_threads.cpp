@@ -1,0 +1,452 @@
+#include "ApplicationObject.h"
+#include "FreshProcess.h"
+#include "RawDirectory.h"
+#include "RecordingPlatform.h"
+#include "ReportText.h"
+#include "RunTogether.h"
+#include "SharedPlatform.h"
+#include "Walk.h"
+#include "WorkingDirectory.h"
+
+#include <VLCore/VLLogger.h>
+#include <VLFolioEventClassifier/VLClassificationResultsRendererHTML.h>
+#include <VLFolioEventClassifier/VLEventFolderClassificationResultList.h>
+
+#include <QtCore/QDir>
+#include <QtCore/QSemaphore>
+#include <QtTest/QTest>
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <set>
+#include <thread>
+#include <vector>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr int threadCount = 8;
+constexpr int roundCount = 20;
+
+using Result = VLEventFolderClassificationResult;
+
+// Equal to every result of the folder it leads to, as only the file system can tell.
+Result eventAt(const QString& path)
+{
+    return { QFileInfo(path), VLEventFolderTypeEnum::Event };
+}
+
+QString reportOf(const QString& root)
+{
+    return root + u"/vela.classification.results.html"_s;
+}
+
+/// A collection of its own for each thread. The number of the thread changes what the folders are,
+/// so that results of one in the report of another show.
+class ThreadTree
+{
+public:
+    explicit ThreadTree(int thread)
+        : m_year('/' + QByteArray::number(2010 + thread))
+        , m_lines { " Root",
+                    m_year + " Year",
+                    m_year + "/07 Month",
+                    m_year + "/07/Beach Event",
+                    m_year + "/07/Beach/2019-07-14 Day",
+                    m_year + "/August Month" }
+    {
+        const QByteArray year = m_year.sliced(1);
+        m_tree.make({ year + "/07/Beach/2019-07-14/", year + "/07/a.jpg", year + "/August/" });
+        for (int extra = 0; extra < thread; ++extra) {
+            const QByteArray name = "/Misc " + QByteArray::number(extra);
+            m_tree.make({ name.sliced(1) + '/' });
+            m_lines.append(name + " Unknown");
+        }
+    }
+
+    [[nodiscard]] bool isValid() const { return m_tree.isValid(); }
+    [[nodiscard]] QString root() const { return m_tree.path(); }
+
+    /// "path Type" for each folder, in the order of the walk, which here is that of the paths.
+    [[nodiscard]] QByteArrayList expectedLines() const { return m_lines; }
+
+    /// The report of these folders. The files are the picture and the report itself.
+    [[nodiscard]] QByteArray expectedReport() const
+    {
+        QByteArrayList rows;
+        for (const QByteArray& line : m_lines) {
+            const qsizetype end = line.lastIndexOf(' ');
+            const bool isRoot = end == 0;
+            const bool hasFile = isRoot || line == m_year + "/07 Month";
+            rows.append(ReportText::row(line.sliced(end + 1),
+                                        isRoot ? root().toUtf8() : line.first(end),
+                                        hasFile ? "1" : "0", "no data"));
+        }
+        return ReportText::report(rows);
+    }
+
+private:
+    RawDirectory m_tree;
+    QByteArray m_year;
+    QByteArrayList m_lines;
+};
+
+/// One tree for each thread.
+class ThreadTrees
+{
+public:
+    ThreadTrees()
+    {
+        for (int thread = 0; thread < threadCount; ++thread)
+            m_trees.push_back(std::make_unique<ThreadTree>(thread));
+    }
+
+    [[nodiscard]] bool areValid() const
+    {
+        return std::all_of(m_trees.cbegin(), m_trees.cend(),
+                           [](const auto& tree) { return tree->isValid(); });
+    }
+    [[nodiscard]] const ThreadTree& of(int thread) const { return *m_trees.at(size_t(thread)); }
+
+    /// How many folders there are in all of them.
+    [[nodiscard]] int folderCount() const
+    {
+        int count = 0;
+        for (const auto& tree : m_trees)
+            count += int(tree->expectedLines().size());
+        return count;
+    }
+
+private:
+    std::vector<std::unique_ptr<ThreadTree>> m_trees;
+};
+
+/// Puts another service in its place whenever it is asked for files.
+class VanishingPlatform : public SharedPlatform
+{
+public:
+    QStringList getDirectFilesInDirectory(const QDir& directory) const override
+    {
+        setInstance(successor);
+        return SharedPlatform::getDirectFilesInDirectory(directory);
+    }
+
+    VLPlatformIndependent* successor = nullptr;
+};
+
+std::atomic_int startCount { 0 };
+std::atomic_int removalCount { 0 };
+std::atomic_int otherCount { 0 };
+
+void countMessage(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (type == QtInfoMsg && text == "startClassifyEvent"_L1
+        && QLatin1StringView(context.category) == "vl.folio.service"_L1) {
+        ++startCount;
+    } else if (type == QtDebugMsg && text.startsWith("removing file"_L1)
+               && text.endsWith("succeeded:  true"_L1)) {
+        ++removalCount;
+    } else {
+        ++otherCount;
+    }
+}
+
+// What work(thread) returns in each of the threads, each value once.
+template <typename Value, typename Work>
+std::set<Value> valuesOfAll(const Work& work)
+{
+    std::array<Value, threadCount> values {};
+    runTogether(threadCount, [&values, &work](int thread) {
+        values.at(static_cast<std::size_t>(thread)) = work(thread);
+    });
+    return { values.cbegin(), values.cend() };
+}
+
+} // namespace
+
+/// Copies of a QFileInfo share what Qt caches of the file, without a lock. What the library does
+/// with them must leave nothing in there, or it would be written by two threads at once.
+class tst_threads : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void makingAResultLeavesNothingInTheDirectory();
+    void relativeDirectoryIsAbsoluteWhereItIsAskedFor();
+    void relativeRootKeepsThePathItHadFound();
+    void comparingLeavesNothingInTheDirectory();
+    void classifyingLeavesNothingInTheRootItWasMadeOf();
+    void rootWithoutPathEqualsItsCopies();
+    void allThreadsUseCopiesAtOnce();
+    void allThreadsMakeResultsOfOneListing();
+    void serviceMayBeReplacedDuringRuns_data();
+    void serviceMayBeReplacedDuringRuns();
+
+private:
+    std::unique_ptr<RawDirectory> m_tree;
+    QString m_folder;
+    QString m_link;
+};
+
+void tst_threads::init()
+{
+    m_tree = std::make_unique<RawDirectory>();
+    QVERIFY2(m_tree->make({ "folder/", "link -> folder" }).isValid(), m_tree->error());
+    m_folder = m_tree->path("folder");
+    m_link = m_tree->path("link");
+}
+
+void tst_threads::cleanup()
+{
+    VLPlatformIndependent::setInstance(nullptr);
+    m_tree.reset();
+}
+
+// Relative while the data is its own: what was found out then would be another path now.
+void tst_threads::makingAResultLeavesNothingInTheDirectory()
+{
+    const WorkingDirectory above(m_tree->path());
+    QVERIFY(above.isActive());
+    const QFileInfo directory(u"folder"_s);
+    const Result result(directory, VLEventFolderTypeEnum::Event);
+    const WorkingDirectory inside(m_folder);
+    QVERIFY(inside.isActive());
+    QCOMPARE(directory.absoluteFilePath(), m_folder + u"/folder"_s);
+}
+
+void tst_threads::relativeDirectoryIsAbsoluteWhereItIsAskedFor()
+{
+    const Result result = eventAt(u"folder"_s);
+    const WorkingDirectory inside(m_folder);
+    QVERIFY(inside.isActive());
+    QCOMPARE(result.render(0), u"  Event <= "_s + m_folder + u"/folder"_s);
+}
+
+void tst_threads::relativeRootKeepsThePathItHadFound()
+{
+    const WorkingDirectory above(m_tree->path());
+    QVERIFY(above.isActive());
+    const QFileInfo root(u"folder"_s);
+    QCOMPARE(root.absoluteFilePath(), m_folder);
+    VLFolioEventClassifier classifier(root);
+    const WorkingDirectory inside(m_folder);
+    QVERIFY(inside.isActive());
+    const RecordingPlatform platform;
+    classifier.start();
+    QVERIFY(QFile::exists(reportOf(m_folder)));
+}
+
+void tst_threads::comparingLeavesNothingInTheDirectory()
+{
+    const Result folder = eventAt(m_folder);
+    const Result link = eventAt(m_link);
+    QVERIFY(folder == link);
+    QVERIFY(QDir().rmdir(m_folder));
+    QCOMPARE(folder.directory().canonicalFilePath(), QString());
+    QCOMPARE(link.directory().canonicalFilePath(), QString());
+}
+
+void tst_threads::classifyingLeavesNothingInTheRootItWasMadeOf()
+{
+    const QFileInfo root(m_folder);
+    const VLFolioEventClassifier classifier(root);
+    QCOMPARE(classifier.eventFolderType(QFileInfo(m_link)).classification().value(),
+             VLEventFolderTypeEnum::Root);
+    QVERIFY(QDir().rmdir(m_folder));
+    QCOMPARE(root.canonicalFilePath(), QString());
+}
+
+void tst_threads::rootWithoutPathEqualsItsCopies()
+{
+    const QFileInfo root;
+    const VLFolioEventClassifier classifier(root);
+    QCOMPARE(classifier.eventFolderType(root).classification().value(),
+             VLEventFolderTypeEnum::Root);
+    QCOMPARE(classifier.eventFolderType(QFileInfo()).classification().value(),
+             VLEventFolderTypeEnum::Unknown);
+}
+
+// The more results, the likelier two threads meet at one of them.
+void tst_threads::allThreadsUseCopiesAtOnce()
+{
+    const QString line = u"  Event <= "_s + m_folder;
+    std::atomic_int wrong { 0 };
+    for (int round = 0; round < roundCount; ++round) {
+        VLEventFolderClassificationResultList results;
+        for (int i = 0; i < 200; ++i)
+            results.append(eventAt(m_folder));
+        const Result link = eventAt(m_link);
+        runTogether(threadCount, [&wrong, &line, &results, &link](int) {
+            for (const Result& result : std::as_const(results)) {
+                const Result copy = result;
+                wrong += copy == link && copy.render(0) == line ? 0 : 1;
+            }
+        });
+    }
+    QCOMPARE(wrong.load(), 0);
+}
+
+// As a host does that has listed folders by itself and shares the list out.
+void tst_threads::allThreadsMakeResultsOfOneListing()
+{
+    const QString line = u"  Event <= "_s + m_folder;
+    std::atomic_int wrong { 0 };
+    for (int round = 0; round < roundCount; ++round) {
+        QFileInfoList listed;
+        for (int i = 0; i < 3000; ++i)
+            listed.append(QFileInfo(m_folder));
+        runTogether(2, [&wrong, &line, listed](int) {
+            for (const QFileInfo& directory : listed) {
+                const Result result(directory, VLEventFolderTypeEnum::Event);
+                wrong += result.render(0) == line ? 0 : 1;
+            }
+        });
+    }
+    QCOMPARE(wrong.load(), 0);
+}
+
+void tst_threads::serviceMayBeReplacedDuringRuns_data()
+{
+    QTest::addColumn<bool>("byAnother");
+
+    QTest::newRow("by_another") << true;
+    QTest::newRow("by_the_built_in_one") << false;
+}
+
+// Nothing is asked twice, and nothing is lost: each call reaches one service or the other.
+void tst_threads::serviceMayBeReplacedDuringRuns()
+{
+    QFETCH(const bool, byAnother);
+    const ThreadTrees trees;
+    QVERIFY(trees.areValid());
+    VanishingPlatform first;
+    VanishingPlatform second;
+    first.successor = byAnother ? &second : nullptr;
+    second.successor = &first;
+    VLPlatformIndependent::setInstance(&first);
+    std::atomic_int wrong { 0 };
+    runTogether(threadCount, [&trees, &wrong](int thread) {
+        const ThreadTree& tree = trees.of(thread);
+        VLClassificationResultsRendererHTML renderer(walk(tree.root()), int(tree.root().size()),
+                                                     {});
+        renderer.renderToFile(QFileInfo(reportOf(tree.root())));
+        wrong += ReportText::fileContents(reportOf(tree.root())) == tree.expectedReport() ? 0 : 1;
+    });
+    QCOMPARE(wrong.load(), 0);
+    QVERIFY(first.listed > 0);
+    if (byAnother) {
+        QVERIFY(second.listed > 0);
+        QCOMPARE(first.listed + second.listed, trees.folderCount());
+        QCOMPARE(first.changed + second.changed, threadCount);
+    } else {
+        QVERIFY(first.listed <= threadCount);
+        QVERIFY(VLPlatformIndependent::instance() != &first);
+    }
+}
+
+/// What a process does once, or what ends it.
+class tst_threads_fresh : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void firstRunsOfEachThreadInItsOwnTree();
+    void sharedObjectsAreMadeOnce();
+    void walksEndWhenTheApplicationDoes();
+};
+
+// The first run of each thread is the first of the process: logger, table of names, patterns and
+// list of months are all made in it.
+void tst_threads_fresh::firstRunsOfEachThreadInItsOwnTree()
+{
+    const ThreadTrees trees;
+    QVERIFY(trees.areValid());
+    SharedPlatform platform;
+    VLPlatformIndependent::setInstance(&platform);
+    std::atomic_int wrong { 0 };
+    const QtMessageHandler previous = qInstallMessageHandler(countMessage);
+
+    runTogether(threadCount, [&trees, &wrong](int thread) {
+        const ThreadTree& tree = trees.of(thread);
+        const QByteArray report = tree.expectedReport();
+        for (int round = 0; round < roundCount; ++round) {
+            VLFolioEventClassifier(QFileInfo(tree.root())).start();
+            wrong += ReportText::fileContents(reportOf(tree.root())) == report ? 0 : 1;
+            wrong += walkedLines(tree.root()) == tree.expectedLines() ? 0 : 1;
+        }
+    });
+
+    qInstallMessageHandler(previous);
+    VLPlatformIndependent::setInstance(nullptr);
+    QCOMPARE(wrong.load(), 0);
+    QCOMPARE(startCount.load(), threadCount * roundCount);
+    QCOMPARE(removalCount.load(), threadCount * (roundCount - 1));
+    QCOMPARE(otherCount.load(), 0);
+    QCOMPARE(platform.opened.load(), threadCount * roundCount);
+    QCOMPARE(platform.changed.load(), threadCount * roundCount);
+    QCOMPARE(platform.listed.load(), roundCount * trees.folderCount());
+}
+
+void tst_threads_fresh::sharedObjectsAreMadeOnce()
+{
+    const auto services =
+        valuesOfAll<VLPlatformIndependent*>([](int) { return VLPlatformIndependent::instance(); });
+    QCOMPARE(services, std::set { VLPlatformIndependent::instance() });
+    QVERIFY(*services.cbegin() != nullptr);
+
+    const auto loggers =
+        valuesOfAll<VLLogger*>([](int) { return VLSingleton<VLLogger>::instance(); });
+    QCOMPARE(loggers, std::set { VLSingleton<VLLogger>::instance() });
+    QVERIFY(*loggers.cbegin() != nullptr);
+
+    const auto names = valuesOfAll<QString>([](int thread) {
+        const auto type = static_cast<VLEventFolderTypeEnum>(thread % 2 == 0 ? 4 : 32);
+        return Result(QFileInfo(u"/2019"_s), type).render(1);
+    });
+    QCOMPARE(names, (std::set { u"  Month <= 2019"_s, u"ProjectFolder <= 2019"_s }));
+}
+
+// Each thread walks its tree again and again until a walk finds less.
+void tst_threads_fresh::walksEndWhenTheApplicationDoes()
+{
+    ApplicationObject application;
+    application.begin();
+    const ThreadTrees trees;
+    QVERIFY(trees.areValid());
+    QSemaphore walkedOnce;
+    std::array<QByteArrayList, threadCount> kept;
+    std::thread ending([&application, &walkedOnce] {
+        walkedOnce.acquire(threadCount);
+        application.end();
+    });
+    runTogether(threadCount, [&trees, &walkedOnce, &kept](int thread) {
+        const ThreadTree& tree = trees.of(thread);
+        QByteArrayList& found = kept.at(size_t(thread));
+        for (int count = 0; found = walkedLines(tree.root()), found == tree.expectedLines();
+             ++count) {
+            if (count == 0)
+                walkedOnce.release();
+        }
+    });
+    ending.join();
+
+    QVERIFY(QCoreApplication::closingDown());
+    for (int thread = 0; thread < threadCount; ++thread) {
+        const QByteArrayList found = kept.at(size_t(thread));
+        const QByteArrayList expected = trees.of(thread).expectedLines();
+        QVERIFY(found.size() < expected.size());
+        QCOMPARE(found, expected.first(found.size()));
+    }
+}
+
+int main(int argc, char* argv[])
+{
+    return runUsualOrFresh<tst_threads, tst_threads_fresh>(argc, argv);
+}
+
+#include "tst_threads.moc"
