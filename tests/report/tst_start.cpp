@@ -26,8 +26,10 @@ namespace {
 
 constexpr auto reportName = "vela.classification.results.html";
 
-const QByteArrayList pictures { "pics/2019/05/", "pics/a.jpg", "pics/2019/b.jpg",
-                                "pics/2019/05/c.jpg" };
+QByteArrayList pictures()
+{
+    return { "pics/2019/05/", "pics/a.jpg", "pics/2019/b.jpg", "pics/2019/05/c.jpg" };
+}
 
 // What is reported of them with the paths behind the root's as given.
 QByteArray picturesReport(const QString& root, const QString& year = u"/2019"_s)
@@ -104,7 +106,7 @@ void tst_start::wholeReport()
 void tst_start::callsAndMessagesInOrder()
 {
     RawDirectory tree;
-    tree.make(pictures).file(QByteArray("pics/") + reportName, "old");
+    tree.make(pictures()).file(QByteArray("pics/") + reportName, "old");
     QVERIFY2(tree.isValid(), tree.error());
     const QString root = tree.path("pics");
     const QString reportPath = root + u'/' + QLatin1StringView(reportName);
@@ -135,7 +137,7 @@ void tst_start::callsAndMessagesInOrder()
 void tst_start::whatAppearsOnTheWay()
 {
     RawDirectory tree;
-    tree.make(pictures).file(QByteArray("pics/") + reportName, "old");
+    tree.make(pictures()).file(QByteArray("pics/") + reportName, "old");
     QVERIFY2(tree.isValid(), tree.error());
     const QString root = tree.path("pics");
     const QByteArray expected =
@@ -162,7 +164,7 @@ void tst_start::whatAppearsOnTheWay()
 void tst_start::twoRunsAreIndependent()
 {
     RawDirectory tree;
-    QVERIFY2(tree.make(pictures).isValid(), tree.error());
+    QVERIFY2(tree.make(pictures()).isValid(), tree.error());
     const QString root = tree.path("pics");
     const QString reportPath = root + u'/' + QLatin1StringView(reportName);
     const MessageRecorder recorder;
@@ -264,9 +266,9 @@ void tst_start::rootCell()
     QFETCH(QString, year);
 
     RawDirectory tree;
-    QVERIFY2(tree.make(pictures).isValid(), tree.error());
+    QVERIFY2(tree.make(pictures()).isValid(), tree.error());
     QVERIFY(QFile::rename(tree.path("pics"), tree.path(name)));
-    QVERIFY2(tree.make(pictures).make({ "link -> " + name }).isValid(), tree.error());
+    QVERIFY2(tree.make(pictures()).make({ "link -> " + name }).isValid(), tree.error());
     const WorkingDirectory inside(tree.path("pics"));
     QVERIFY(inside.isActive());
     for (QString* const text : { &root, &cell, &year })
@@ -287,7 +289,7 @@ void tst_start::reportIsEmptyOnceTheApplicationIsGone()
     m_application.end();
     QVERIFY(QCoreApplication::closingDown());
     RawDirectory tree;
-    QVERIFY2(tree.make(pictures).isValid(), tree.error());
+    QVERIFY2(tree.make(pictures()).isValid(), tree.error());
     const QString root = tree.path("pics");
     const QString reportPath = root + u'/' + QLatin1StringView(reportName);
     QVERIFY(writeFile(reportPath, "old"));
