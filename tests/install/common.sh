@@ -1,11 +1,9 @@
 # Sourced by the tests of this folder. Their environment names SOURCE_TREE, BUILD_TREE, LIBDIR, the
-# compiler in CXX and CXXFLAGS, and WORK, a directory that they share. What was installed stands in
-# TREE, which is not where it was installed to.
+# compiler in CXX and CXXFLAGS, and WORK, a directory of their own.
 # shellcheck shell=bash
 set -euo pipefail
 export LC_ALL=C
 here=$SOURCE_TREE/tests/install
-export TREE=$WORK/tree
 
 fail() {
     echo "$*" >&2
@@ -34,7 +32,7 @@ quietly() {
 
 # expect WHAT EXPECTED ACTUAL: compares two texts.
 expect() {
-    [ "$2" = "$3" ] || fail "$1 is"$'\n'"$3"$'\n'"instead of"$'\n'"$2"
+    [ "$2" = "$3" ] || fail "$1 is other (>) than expected (<):"$'\n'"$(diff <(echo "$2") <(echo "$3"))"
 }
 
 # build_consumer NAME OPTION...: builds the consumer in WORK/NAME and runs it.
@@ -53,9 +51,27 @@ compile_consumer() {
     expect "what $1 prints" "Day 0" "$("$WORK/$1")"
 }
 
-# libraries_of FILE: prints where FILE gets the two libraries from.
+# libraries_of FILE...: prints where the files get the two libraries from.
 libraries_of() {
-    ldd "$1" | sed -n 's/.* => \(.*libVL.*\) (.*/\1/p' | sort
+    ldd "$@" | sed -n 's/.* => \(.*libVL.*\) (.*/\1/p' | sort
+}
+
+# expect_loaded FILE DIRECTORY: fails unless FILE gets both libraries from there.
+expect_loaded() {
+    expect "what ${1##*/} loads" "$2/libVLCore.so.1"$'\n'"$2/libVLFolioEventClassifier.so.1" \
+        "$(libraries_of "$1")"
+}
+
+# expect_program FILE: fails unless it is the program, and works.
+expect_program() {
+    expect "what the program prints" "Year <= Summer 2019 (tests met: year)" \
+        "$("$1" --explain "Summer 2019")"
+}
+
+# expect_directories PACKAGE LIBRARIES HEADERS: fails unless pkg-config tells these.
+expect_directories() {
+    expect "the libraries of $1" "$2" "$(realpath "$(ask_pkg_config --variable=libdir "$1")")"
+    expect "the headers of $1" "$3" "$(realpath "$(ask_pkg_config --variable=includedir "$1")")"
 }
 
 # build_type_left_out: a filter for names of files, one of which bears that of the build.

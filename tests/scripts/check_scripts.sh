@@ -81,6 +81,6 @@ FAIL!  : tst_first::rows(two) Compared values are not the same
    Expected (b): 2
 Test Failed.
 
-skipped: first rows(four): Needs the superuser; get it by: sudo ./test
+skipped: first rows: Needs the superuser; get it by: sudo ./test
 skipped: second: abidw is not installed; get it by: scripts/install-packages check" \
     "$("$sources/scripts/tell-tests" "$work/log")"
