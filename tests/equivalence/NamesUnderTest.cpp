@@ -122,20 +122,13 @@ QString inWords(const QString& name, Draw& draw)
     return draw.below(2) == 0 ? name + u' ' + word : word + u' ' + name;
 }
 
-QString lowered(const QString& name, Draw& draw)
+QString inOtherCase(const QString& name, Draw& draw)
 {
-    Q_UNUSED(draw)
-    return name.toLower();
+    return draw.below(2) == 0 ? name.toLower() : name.toUpper();
 }
 
-QString raised(const QString& name, Draw& draw)
-{
-    Q_UNUSED(draw)
-    return name.toUpper();
-}
-
-constexpr std::array variations { removed,       cut,     swapped, replaced, inserted,
-                                  inOtherDigits, inWords, lowered, raised };
+constexpr std::array variations { removed,  cut,           swapped, replaced,
+                                  inserted, inOtherDigits, inWords, inOtherCase };
 
 QStringList variationsOf(const QString& name, int rounds, Draw& draw)
 {
@@ -209,93 +202,37 @@ QStringList numbers(const QLocale& locale)
 
 QStringList folderNames()
 {
-    return {
-        u"2019"_s,
-        u"07"_s,
-        u"7"_s,
-        u"007"_s,
-        u"13"_s,
-        u"1999"_s,
-        u"2019-07"_s,
-        u"2019_07_14"_s,
-        u"2019-07-14 Beach"_s,
-        u"14.07.2019"_s,
-        u"14.07.19"_s,
-        u"2019,07,14"_s,
-        u"2019 07 14"_s,
-        u"2019|07|14"_s,
-        u"99.99.99"_s,
-        u"9-9-9"_s,
-        u"1/2/3"_s,
-        u"7/14/19"_s,
-        u"20190714"_s,
-        u"Sun Jul 14 2019"_s,
-        u"Sun, 14 Jul 2019"_s,
-        u"14 Jul 2019"_s,
-        u"Jul 14 2019"_s,
-        u"14 Jul 2019 13:04:05 +0200"_s,
-        u"So 14. Jul 2019"_s,
-        u"Sunday, July 14, 2019"_s,
-        u"Sonntag, 14. Juli 2019"_s,
-        u"IMG_2019"_s,
-        u"DSC00012"_s,
-        u"100CANON"_s,
-        u"Christmas"_s,
-        u"Hochzeit J\u00f6rg & Zo\u00eb"_s,
-        u"Summer 2019 trip"_s,
-        u"12345"_s,
-        u"M"_s,
-        u"m"_s,
-        u"Mon"_s,
-        u"mon"_s,
-        u"MONDAY"_s,
-        u"Monday"_s,
-        u"Montag"_s,
-        u"July"_s,
-        u"Juli"_s,
-        u"Jul"_s,
-        u"Urlaub_vlp-Dateien"_s,
-        u"_vlp-Dateien"_s,
-        u"2019-07-14_vlp-Dateien"_s,
-        u"x_vlp-dateien"_s,
-        u"\u0662\u0660\u0661\u0669-\u0660\u0667-\u0661\u0664"_s,
-        u"\uff12\uff10\uff11\uff19"_s,
-        u"\U0001e952\U0001e950\U0001e951\U0001e959"_s,
-        u"photokit"_s,
-        u"\u00bd"_s,
-        u"\u2460"_s,
-    };
+    return u"2019\n07\n7\n007\n13\n1999\n2019-07\n2019_07_14\n2019-07-14 Beach\n14.07.2019\n"
+           "14.07.19\n2019,07,14\n2019 07 14\n2019|07|14\n99.99.99\n9-9-9\n1/2/3\n7/14/19\n"
+           "20190714\nSun Jul 14 2019\nSun, 14 Jul 2019\n14 Jul 2019\nJul 14 2019\n"
+           "14 Jul 2019 13:04:05 +0200\nSo 14. Jul 2019\nSunday, July 14, 2019\n"
+           "Sonntag, 14. Juli 2019\nIMG_2019\nDSC00012\n100CANON\nChristmas\n"
+           "Hochzeit J\u00f6rg & Zo\u00eb\nSummer 2019 trip\n12345\nM\nm\nMon\nmon\nMONDAY\n"
+           "Monday\nMontag\nJuly\nJuli\nJul\nUrlaub_vlp-Dateien\n_vlp-Dateien\n"
+           "2019-07-14_vlp-Dateien\nx_vlp-dateien\n"
+           "\u0662\u0660\u0661\u0669-\u0660\u0667-\u0661\u0664\n\uff12\uff10\uff11\uff19\n"
+           "\U0001e952\U0001e950\U0001e951\U0001e959\nphotokit\n\u00bd\n\u2460"_s.split(u'\n');
 }
 
 QStringList oddNames()
 {
     const QString highSurrogate(QChar(0xd83a));
     const QString lowSurrogate(QChar(0xdd52));
-    QStringList names {
-        QString(),
-        u""_s,
-        u" "_s,
-        u"."_s,
-        u".."_s,
-        u"\n"_s,
-        u"-"_s,
-        u"'"_s,
-        u"'7'"_s,
-        u"%1"_s,
-        highSurrogate,
-        lowSurrogate,
-        lowSurrogate + highSurrogate,
-        u"2019-07-14"_s + highSurrogate,
-        lowSurrogate + u"14.07.19"_s,
-        u"20"_s + highSurrogate + u"19"_s,
-        highSurrogate + u"Monday"_s,
-        QString(QChar()),
-        u"2019-07-14"_s + QChar(),
-        QChar() + u"14.07.19"_s,
-        u"Mon"_s + QChar() + u"day"_s,
-        u"\ufeff14.07.19"_s,
-        u"\u200e7\u200e/\u200e14/19"_s,
-    };
+    const QString nul { QChar() };
+    QStringList names =
+        u"| |.|..|\n|-|'|'7'|%1|\ufeff14.07.19|\u200e7\u200e/\u200e14/19"_s.split(u'|');
+    names += { QString(),
+               highSurrogate,
+               lowSurrogate,
+               lowSurrogate + highSurrogate,
+               u"2019-07-14"_s + highSurrogate,
+               lowSurrogate + u"14.07.19"_s,
+               u"20"_s + highSurrogate + u"19"_s,
+               highSurrogate + u"Monday"_s,
+               nul,
+               u"2019-07-14"_s + nul,
+               nul + u"14.07.19"_s,
+               u"Mon"_s + nul + u"day"_s };
     constexpr qsizetype veryLong = 4000;
     names += { QString(veryLong, u'a'), QString(veryLong, u'7'), QString(veryLong, u' '),
                QString(veryLong, u'a') + u"14.07.19"_s };
