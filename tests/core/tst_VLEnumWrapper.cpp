@@ -93,7 +93,7 @@ public:
     static inline std::atomic<int> fills { 0 };
 };
 
-enum class Unlucky : qint32 { None = 0, Named = 1 };
+enum class Unlucky : qint32 { None = 0, Named = 1, Half = 2 };
 
 class UnluckyType : public VLEnumWrapper<Unlucky>
 {
@@ -102,9 +102,11 @@ public:
 
     void fillTable(VLEnumToStringTable<Unlucky>* table) const override
     {
-        table->insert(u"Named"_s, Unlucky::Named);
-        if (std::exchange(failsOnce, false))
+        if (std::exchange(failsOnce, false)) {
+            table->insert(u"Half"_s, Unlucky::Half);
             throw std::bad_alloc();
+        }
+        table->insert(u"Named"_s, Unlucky::Named);
     }
 
     static inline bool failsOnce = true;
@@ -436,6 +438,7 @@ void tst_VLEnumWrapper::failedFillingLeavesNothingBehind()
 {
     QVERIFY_THROWS_EXCEPTION(std::bad_alloc, static_cast<void>(UnluckyType().enumToStringTable()));
     QCOMPARE(UnluckyType().enumToStringTable()->nameFor(Unlucky::Named), u"Named"_s);
+    QCOMPARE(UnluckyType().enumToStringTable()->nameFor(Unlucky::Half), QString());
 }
 
 QTEST_GUILESS_MAIN(tst_VLEnumWrapper)

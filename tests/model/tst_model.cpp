@@ -258,6 +258,7 @@ void tst_model::nameOfType()
     const QString found = VLEventFolderType().enumToStringTable()->nameFor(Type(number));
     QCOMPARE(found, name);
     QCOMPARE(found.isNull(), name.isNull());
+    QCOMPARE(type(number).name(), name);
 }
 
 void tst_model::tableOfTypesHoldsSevenNamesBothWays()
