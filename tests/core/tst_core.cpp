@@ -12,11 +12,7 @@
 #include <QtCore/QScopeGuard>
 #include <QtTest/QTest>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <atomic>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -74,12 +70,6 @@ struct Stumbling
 
     static inline int made = 0;
     static inline int initialized = 0;
-};
-
-/// Asks for its own singleton while it is set up, which the lock forbids.
-struct Impatient
-{
-    void initialize() { Q_UNUSED(VLSingleton<Impatient>::instance()) }
 };
 
 /// One type for each race, since every type has one instance per process. Takes its time, so that
@@ -262,7 +252,6 @@ private Q_SLOTS:
     void singletonIsMadeOnceInCloseRaces();
     void singletonWhoseConstructorFailedIsTriedAgain();
     void singletonIsPublishedBeforeItIsInitialized();
-    void singletonMayNotAskForItself();
     void sharedObjectsOutliveStaticObjects();
 
     void loggedTextStaysAsItIs_data();
@@ -390,22 +379,6 @@ void tst_core::singletonIsPublishedBeforeItIsInitialized()
     QVERIFY(VLSingleton<Stumbling>::instance() != nullptr);
     QCOMPARE(Stumbling::made, 1);
     QCOMPARE(Stumbling::initialized, 1);
-}
-
-// The lock is not recursive: whoever asks while holding it waits forever, here for an alarm.
-void tst_core::singletonMayNotAskForItself()
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        alarm(1);
-        Q_UNUSED(VLSingleton<Impatient>::instance())
-        _exit(EXIT_SUCCESS);
-    }
-    QVERIFY(child > 0);
-    int status = 0;
-    QCOMPARE(waitpid(child, &status, 0), child);
-    QVERIFY(WIFSIGNALED(status));
-    QCOMPARE(WTERMSIG(status), SIGALRM);
 }
 
 // The test goes on in ~LastToGo(), which makes the process fail.

@@ -35,6 +35,9 @@ static_assert(sizeof(Classifier) == sizeof(void*) + sizeof(QFileInfo),
               "a classifier holds its root directory and nothing else");
 static_assert(std::is_constructible_v<Classifier, const QFileInfo&>);
 static_assert(!std::is_default_constructible_v<Classifier>);
+static_assert(std::is_copy_constructible_v<Classifier> && std::is_copy_assignable_v<Classifier>);
+static_assert(std::is_nothrow_move_constructible_v<Classifier>);
+static_assert(std::is_nothrow_move_assignable_v<Classifier>);
 
 using Predicate = bool (Classifier::*)(const QString&) const;
 static_assert(std::is_same_v<decltype(&Classifier::matchesProject), Predicate>);

@@ -98,9 +98,10 @@ QString contentsOf(const ResultList& list)
 }
 
 template <typename T>
-constexpr bool isValueClass = std::has_virtual_destructor_v<T>&& std::is_copy_constructible_v<T>&&
-    std::is_copy_assignable_v<T>&& std::is_nothrow_move_constructible_v<T>&&
-        std::is_nothrow_move_assignable_v<T>&& std::is_default_constructible_v<T>;
+constexpr bool isValueClass =
+    std::conjunction_v<std::has_virtual_destructor<T>, std::is_default_constructible<T>,
+                       std::is_copy_constructible<T>, std::is_copy_assignable<T>,
+                       std::is_nothrow_move_constructible<T>, std::is_nothrow_move_assignable<T>>;
 
 } // namespace
 

@@ -181,6 +181,7 @@ private Q_SLOTS:
     void relativeRootKeepsThePathItHadFound();
     void comparingLeavesNothingInTheDirectory();
     void classifyingLeavesNothingInTheRootItWasMadeOf();
+    void copyOfAClassifierLooksAtItsRootAnew();
     void rootWithoutPathEqualsItsCopies();
     void allThreadsUseCopiesAtOnce();
     void allThreadsMakeResultsOfOneListing();
@@ -259,6 +260,24 @@ void tst_threads::classifyingLeavesNothingInTheRootItWasMadeOf()
              VLEventFolderTypeEnum::Root);
     QVERIFY(QDir().rmdir(m_folder));
     QCOMPARE(root.canonicalFilePath(), QString());
+}
+
+// A copy has data of its own, in which nothing is cached yet.
+void tst_threads::copyOfAClassifierLooksAtItsRootAnew()
+{
+    const VLFolioEventClassifier classifier { QFileInfo(m_link) };
+    const auto isRootOf = [this](const VLFolioEventClassifier& asked, const char* name) {
+        return asked.eventFolderType(QFileInfo(m_tree->path(name))).classification().value()
+            == VLEventFolderTypeEnum::Root;
+    };
+    QVERIFY(isRootOf(classifier, "folder"));
+    QVERIFY(QFile::remove(m_link));
+    QVERIFY2(m_tree->make({ "other/", "link -> other" }).isValid(), m_tree->error());
+    const VLFolioEventClassifier copied = classifier;
+    VLFolioEventClassifier assigned { QFileInfo() };
+    assigned = classifier;
+    QVERIFY(isRootOf(copied, "other"));
+    QVERIFY(isRootOf(assigned, "other"));
 }
 
 void tst_threads::rootWithoutPathEqualsItsCopies()
