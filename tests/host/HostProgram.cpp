@@ -297,8 +297,9 @@ void ChildSteps::limitMemory(unsigned long bytes)
 void ChildSteps::mountOver(const char* directory, bool readOnly)
 {
 #if defined(Q_OS_LINUX)
+    const unsigned long flags = readOnly ? static_cast<unsigned long>(MS_RDONLY) : 0;
     if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
-        || mount("tmpfs", directory, "tmpfs", readOnly ? MS_RDONLY : 0, "size=64k") != 0
+        || mount("tmpfs", directory, "tmpfs", flags, "size=64k") != 0
         || chdir(directory) != 0) {
         giveUp();
     }
