@@ -19,30 +19,21 @@ void __libc_free(void* block);           // NOLINT(bugprone-reserved-identifier)
 
 namespace {
 
-constexpr int maximumDepth = 48;
-
-struct Trace
-{
-    void* block = nullptr;
-    int depth = 0;
-    std::array<void*, maximumDepth> callers {};
-};
-
 long remaining = 0;
 bool staysFailing = false;
 bool failed = false;
 long live = 0;
-bool tracing = false;
-std::array<Trace, 8192> traces;
-Trace failure;
+// The callers of the last allocation that failed.
+std::array<void*, 48> callers {};
+int callerCount = 0;
 
-// Noting a caller must not be traced itself.
+// Noting the callers must not count itself.
 bool inside = false;
 
-void note(Trace& trace)
+void noteCallers()
 {
     inside = true;
-    trace.depth = backtrace(trace.callers.data(), maximumDepth);
+    callerCount = backtrace(callers.data(), static_cast<int>(callers.size()));
     inside = false;
 }
 
@@ -57,7 +48,7 @@ bool fails()
     if (!staysFailing)
         remaining = 0;
     if (!failed)
-        note(failure);
+        noteCallers();
     failed = true;
     errno = ENOMEM;
     return true;
@@ -65,32 +56,13 @@ bool fails()
 
 void* made(void* block)
 {
-    if (block == nullptr)
-        return nullptr;
-    ++live;
-    if (!tracing || inside)
-        return block;
-    for (Trace& trace : traces) {
-        if (trace.block == nullptr) {
-            trace.block = block;
-            note(trace);
-            break;
-        }
-    }
+    live += block == nullptr ? 0 : 1;
     return block;
 }
 
 void released(const void* block)
 {
-    if (block == nullptr)
-        return;
-    --live;
-    if (!tracing)
-        return;
-    for (Trace& trace : traces) {
-        if (trace.block == block)
-            trace.block = nullptr;
-    }
+    live -= block == nullptr ? 0 : 1;
 }
 
 } // namespace
@@ -139,11 +111,10 @@ void free(void* block)
 
 } // extern "C"
 
-void FailingAllocation::prepare(bool traced)
+void FailingAllocation::prepare()
 {
     // The first look at the stack allocates.
-    note(failure);
-    tracing = traced;
+    noteCallers();
 }
 
 void FailingAllocation::arm(long nth, Extent extent)
@@ -164,17 +135,8 @@ long FailingAllocation::liveBlocks()
     return live;
 }
 
-void FailingAllocation::forEachTracedBlock(void (*report)(void* const* callers, int count))
+int FailingAllocation::failedCallers(void* const** found)
 {
-    tracing = false;
-    for (const Trace& trace : traces) {
-        if (trace.block != nullptr)
-            report(trace.callers.data(), trace.depth);
-    }
-}
-
-int FailingAllocation::failedCallers(void* const** callers)
-{
-    *callers = failure.callers.data();
-    return failure.depth;
+    *found = callers.data();
+    return callerCount;
 }

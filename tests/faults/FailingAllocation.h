@@ -10,9 +10,8 @@ namespace FailingAllocation {
 /// Which allocations fail.
 enum class Extent { Once, FromThereOn };
 
-/// Makes ready for arm(), which must not allocate. With \a traced, notes from now on who makes
-/// each block.
-void prepare(bool traced);
+/// Makes ready for arm(), which must not allocate.
+void prepare();
 
 /// Makes the \a nth allocation from now on fail, the first being 1.
 void arm(long nth, Extent extent);
@@ -22,9 +21,6 @@ bool disarm();
 
 /// Number of blocks that are allocated and not yet released.
 [[nodiscard]] long liveBlocks();
-
-/// Calls \a report with the callers of each block that was made while tracing and is still there.
-void forEachTracedBlock(void (*report)(void* const* callers, int count));
 
 /// The callers of the last allocation that failed.
 [[nodiscard]] int failedCallers(void* const** callers);

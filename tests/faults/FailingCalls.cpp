@@ -7,9 +7,11 @@
 #include <cerrno>
 #include <climits>
 #include <cstdarg>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
 
 #include <dirent.h>
@@ -21,6 +23,9 @@
 namespace {
 
 using Path = std::array<char, PATH_MAX>;
+
+// What stands for the path of calls that have none.
+constexpr std::string_view expression("expression");
 
 long firstFailing = 0;
 long lastFailing = 0;
@@ -38,6 +43,12 @@ void copy(std::string_view text, char* target, std::size_t size)
     target[length] = '\0';
 }
 
+void tell(std::initializer_list<std::string_view> texts)
+{
+    for (const std::string_view text : texts)
+        syscall(SYS_write, STDERR_FILENO, text.data(), text.size());
+}
+
 bool isInArmedDirectory(std::string_view path)
 {
     const std::string_view directory(armedDirectory.data());
@@ -52,11 +63,14 @@ bool fails(std::string_view call, std::string_view path)
     ++count;
     if (count < firstFailing || count > lastFailing)
         return false;
+    if (errorNumber == 0 && call != "kind") {
+        tell({ call, " ", path, "\n" });
+        return false;
+    }
     if (announces && failedPath[0] == '\0')
-        syscall(SYS_write, STDERR_FILENO, "failed\n", 7);
+        tell({ "failed\n" });
     copy(path, failedPath.data(), failedPath.size());
-    if (errorNumber >= 0)
-        errno = errorNumber;
+    errno = errorNumber;
     return true;
 }
 
@@ -94,13 +108,10 @@ bool failsAt(std::string_view call, const char* path)
     return fails(call, AT_FDCWD, path);
 }
 
-// With the file types no more told, if that is what is armed.
-void forgetFileTypes(int descriptor, void* entries, ssize_t size)
+void forgetFileTypes(char* entries, ssize_t size)
 {
-    if (!fails("kind", descriptor))
-        return;
     for (ssize_t offset = 0; offset < size;) {
-        auto* const entry = reinterpret_cast<dirent64*>(static_cast<char*>(entries) + offset);
+        auto* const entry = reinterpret_cast<dirent64*>(entries + offset);
         entry->d_type = DT_UNKNOWN;
         offset += entry->d_reclen;
     }
@@ -109,15 +120,14 @@ void forgetFileTypes(int descriptor, void* entries, ssize_t size)
 [[gnu::constructor]] void armFromEnvironment()
 {
     const char* const order = std::getenv("VLFOLIO_FAILING_CALL");
-    if (order == nullptr)
-        return;
     std::array<char, 16> call {};
     long first = 0;
     long last = 0;
     int error = 0;
     int directory = 0;
-    if (std::sscanf(order, "%15s %ld %ld %d %n", call.data(), &first, &last, &error, &directory)
-        != 4)
+    if (order == nullptr
+        || std::sscanf(order, "%15s %ld %ld %d %n", call.data(), &first, &last, &error, &directory)
+            != 4)
         return;
     announces = true;
     vlArmFailingCall(call.data(), first, last, error, order + directory);
@@ -142,147 +152,183 @@ const char* vlDisarmFailingCall()
     return failedPath[0] == '\0' ? nullptr : failedPath.data();
 }
 
+long vlFailingCallCount()
+{
+    return count;
+}
+
+// Each calls the function of the same name that stands behind it.
 extern "C" {
 
 int access(const char* path, int mode) noexcept
 {
-    static const auto function = original<decltype(&access)>("access");
-    return failsAt("access", path) ? -1 : function(path, mode);
+    return failsAt("access", path) ? -1 : original<decltype(&access)>("access")(path, mode);
 }
 
 // The descriptor is gone afterwards, whatever the answer is.
 int close(int descriptor)
 {
-    static const auto function = original<decltype(&close)>("close");
     const bool failing = fails("close", descriptor);
-    const int result = function(descriptor);
+    const int result = original<decltype(&close)>("close")(descriptor);
     if (!failing)
         return result;
     errno = errorNumber;
     return -1;
 }
 
+ssize_t getdents64(int descriptor, void* entries, std::size_t size) noexcept
+{
+    if (fails("getdents64", descriptor))
+        return -1;
+    const ssize_t used = original<decltype(&getdents64)>("getdents64")(descriptor, entries, size);
+    if (fails("kind", descriptor))
+        forgetFileTypes(static_cast<char*>(entries), used);
+    return used;
+}
+
 int open(const char* path, int flags, ...)
 {
-    static const auto function = original<int (*)(const char*, int, ...)>("open");
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return failsAt("open", path) ? -1 : function(path, flags, mode);
+    return failsAt("open", path) ? -1 : original<decltype(&open)>("open")(path, flags, mode);
 }
 
 int open64(const char* path, int flags, ...)
 {
-    static const auto function = original<int (*)(const char*, int, ...)>("open64");
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return failsAt("open", path) ? -1 : function(path, flags, mode);
+    return failsAt("open", path) ? -1 : original<decltype(&open)>("open64")(path, flags, mode);
 }
 
 int openat(int directory, const char* path, int flags, ...)
 {
-    static const auto function = original<int (*)(int, const char*, int, ...)>("openat");
     va_list arguments;
     va_start(arguments, flags);
     const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return fails("open", directory, path) ? -1 : function(directory, path, flags, mode);
-}
-
-ssize_t getdents64(int descriptor, void* entries, std::size_t size) noexcept
-{
-    static const auto function = original<decltype(&getdents64)>("getdents64");
-    if (fails("getdents64", descriptor))
-        return -1;
-    const ssize_t used = function(descriptor, entries, size);
-    if (lastFailing > 0)
-        forgetFileTypes(descriptor, entries, used);
-    return used;
+    return fails("open", directory, path)
+        ? -1
+        : original<decltype(&openat)>("openat")(directory, path, flags, mode);
 }
 
 ssize_t readlink(const char* path, char* target, std::size_t size) noexcept
 {
-    static const auto function = original<decltype(&readlink)>("readlink");
-    return failsAt("readlink", path) ? -1 : function(path, target, size);
+    return failsAt("readlink", path)
+        ? -1
+        : original<decltype(&readlink)>("readlink")(path, target, size);
 }
 
 char* realpath(const char* path, char* resolved) noexcept
 {
-    static const auto function = original<decltype(&realpath)>("realpath");
-    return failsAt("realpath", path) ? nullptr : function(path, resolved);
+    return failsAt("realpath", path) ? nullptr
+                                     : original<decltype(&realpath)>("realpath")(path, resolved);
 }
 
 // What realpath() becomes in a library that was built with _FORTIFY_SOURCE.
 // NOLINTNEXTLINE(bugprone-reserved-identifier)
 char* __realpath_chk(const char* path, char* resolved, std::size_t size) noexcept
 {
-    static const auto function = original<decltype(&__realpath_chk)>("__realpath_chk");
-    return failsAt("realpath", path) ? nullptr : function(path, resolved, size);
+    return failsAt("realpath", path)
+        ? nullptr
+        : original<decltype(&__realpath_chk)>("__realpath_chk")(path, resolved, size);
 }
 
 int stat(const char* path, struct stat* data) noexcept
 {
-    static const auto function = original<int (*)(const char*, struct stat*)>("stat");
-    return failsAt("stat", path) ? -1 : function(path, data);
+    using Function = int (*)(const char*, struct stat*);
+    return failsAt("stat", path) ? -1 : original<Function>("stat")(path, data);
 }
 
 int stat64(const char* path, struct stat64* data) noexcept
 {
-    static const auto function = original<int (*)(const char*, struct stat64*)>("stat64");
-    return failsAt("stat", path) ? -1 : function(path, data);
+    using Function = int (*)(const char*, struct stat64*);
+    return failsAt("stat", path) ? -1 : original<Function>("stat64")(path, data);
 }
 
 int lstat(const char* path, struct stat* data) noexcept
 {
-    static const auto function = original<int (*)(const char*, struct stat*)>("lstat");
-    return failsAt("stat", path) ? -1 : function(path, data);
+    using Function = int (*)(const char*, struct stat*);
+    return failsAt("stat", path) ? -1 : original<Function>("lstat")(path, data);
 }
 
 int lstat64(const char* path, struct stat64* data) noexcept
 {
-    static const auto function = original<int (*)(const char*, struct stat64*)>("lstat64");
-    return failsAt("stat", path) ? -1 : function(path, data);
+    using Function = int (*)(const char*, struct stat64*);
+    return failsAt("stat", path) ? -1 : original<Function>("lstat64")(path, data);
 }
 
 int fstat(int descriptor, struct stat* data) noexcept
 {
-    static const auto function = original<int (*)(int, struct stat*)>("fstat");
-    return fails("stat", descriptor) ? -1 : function(descriptor, data);
+    using Function = int (*)(int, struct stat*);
+    return fails("stat", descriptor) ? -1 : original<Function>("fstat")(descriptor, data);
 }
 
 int fstat64(int descriptor, struct stat64* data) noexcept
 {
-    static const auto function = original<int (*)(int, struct stat64*)>("fstat64");
-    return fails("stat", descriptor) ? -1 : function(descriptor, data);
+    using Function = int (*)(int, struct stat64*);
+    return fails("stat", descriptor) ? -1 : original<Function>("fstat64")(descriptor, data);
 }
 
 int fstatat(int directory, const char* path, struct stat* data, int flags) noexcept
 {
-    static const auto function = original<int (*)(int, const char*, struct stat*, int)>("fstatat");
-    return fails("stat", directory, path) ? -1 : function(directory, path, data, flags);
+    using Function = int (*)(int, const char*, struct stat*, int);
+    return fails("stat", directory, path)
+        ? -1
+        : original<Function>("fstatat")(directory, path, data, flags);
+}
+
+int fstatat64(int directory, const char* path, struct stat64* data, int flags) noexcept
+{
+    using Function = int (*)(int, const char*, struct stat64*, int);
+    return fails("stat", directory, path)
+        ? -1
+        : original<Function>("fstatat64")(directory, path, data, flags);
 }
 
 int statx(int directory, const char* path, int flags, unsigned int mask,
           struct statx* data) noexcept
 {
-    static const auto function =
-        original<int (*)(int, const char*, int, unsigned int, struct statx*)>("statx");
-    return fails("stat", directory, path) ? -1 : function(directory, path, flags, mask, data);
+    using Function = int (*)(int, const char*, int, unsigned int, struct statx*);
+    return fails("stat", directory, path)
+        ? -1
+        : original<Function>("statx")(directory, path, flags, mask, data);
 }
 
 int unlink(const char* path) noexcept
 {
-    static const auto function = original<decltype(&unlink)>("unlink");
-    return failsAt("unlink", path) ? -1 : function(path);
+    return failsAt("unlink", path) ? -1 : original<decltype(&unlink)>("unlink")(path);
 }
 
 ssize_t write(int descriptor, const void* data, std::size_t size)
 {
-    static const auto function = original<decltype(&write)>("write");
-    return fails("write", descriptor) ? -1 : function(descriptor, data, size);
+    return fails("write", descriptor) ? -1
+                                      : original<decltype(&write)>("write")(descriptor, data, size);
+}
+
+void* pcre2_compile_16(const char16_t* pattern, std::size_t length, std::uint32_t options,
+                       int* error, std::size_t* offset, void* context)
+{
+    if (!fails("compile", expression)) {
+        return original<decltype(&pcre2_compile_16)>("pcre2_compile_16")(pattern, length, options,
+                                                                         error, offset, context);
+    }
+    constexpr int heapFailed = 121;
+    *error = heapFailed;
+    *offset = 0;
+    return nullptr;
+}
+
+int pcre2_match_16(const void* code, const char16_t* subject, std::size_t length, std::size_t start,
+                   std::uint32_t options, void* data, void* context)
+{
+    constexpr int noMemory = -48;
+    return fails("search", expression) ? noMemory
+                                       : original<decltype(&pcre2_match_16)>("pcre2_match_16")(
+                                           code, subject, length, start, options, data, context);
 }
 
 } // extern "C"

@@ -3,19 +3,25 @@
 /// Calls of the system that can be told to fail. A shared library that takes the place of the C
 /// library's functions: in a program that is linked with it, and in one that it is preloaded into.
 /// The environment variable VLFOLIO_FAILING_CALL, "CALL FIRST LAST ERROR DIRECTORY", arms it at
-/// the program's begin; the line "failed" on standard error tells then that a call has failed.
+/// the program's begin; the line "failed PATH" on standard error tells then which call has failed
+/// first.
 ///
-/// The calls are "access", "close", "getdents64", "open", "readlink", "realpath", "stat" (in all its
-/// forms), "unlink" and "write". Those of the C library within itself do not count. "kind" lets
-/// "getdents64" go on without telling file types, as on some file systems.
+/// The calls are "access", "close", "getdents64", "open", "readlink", "realpath", "stat" (in all
+/// its forms), "unlink" and "write". Those of the C library within itself do not count. "kind" lets
+/// "getdents64" go on without telling file types, as on some file systems. "compile" and "search"
+/// are those of regular expressions, which lack memory then; "expression" is their directory.
 extern "C" {
 
 /// Makes the \a first to the \a last \a call on \a directory or on anything below it fail with
-/// \a error, an errno value. The very first call is 1.
+/// \a error, an errno value. The very first call is 1. With 0 for the error nothing fails, and each
+/// such call is told instead, as a line "CALL PATH" on standard error.
 void vlArmFailingCall(const char* call, long first, long last, int error, const char* directory);
 
 /// Ends the failing. Returns the path that the last failed call was about, or a null pointer if
 /// none has failed.
 const char* vlDisarmFailingCall();
+
+/// How many such calls there were since it was armed.
+long vlFailingCallCount();
 
 } // extern "C"

@@ -1,10 +1,10 @@
 // Random paths, types and occasions into the texts that are made of results: render() and the
 // report, each compared with a model that shares nothing with the library but Qt.
 
-#include "ReportText.h"
 #include "FuzzedResults.h"
 #include "Fuzzing.h"
 #include "RawDirectory.h"
+#include "ReportText.h"
 
 #include <VLCore/VLPlatformIndependent.h>
 #include <VLFolioEventClassifier/VLClassificationResultsRendererHTML.h>

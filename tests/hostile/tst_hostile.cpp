@@ -75,6 +75,12 @@ private Q_SLOTS:
     void kindsThatCount();
     void devicesAreNeitherFoldersNorFiles();
     void rootOfTheFileSystem();
+    void subdirectoriesAreThoseOfQDir_data();
+    void subdirectoriesAreThoseOfQDir();
+    void nothingElseIsLost_data();
+    void nothingElseIsLost();
+    void folderThatIsChangedMeanwhile_data();
+    void folderThatIsChangedMeanwhile();
     void tenThousandFoldersInOne();
 };
 
@@ -305,6 +311,143 @@ void tst_hostile::rootOfTheFileSystem()
     if (WEXITSTATUS(status) == noOtherRoot)
         QSKIP("Only the superuser can take another root: run the test as root");
     QCOMPARE(WEXITSTATUS(status), EXIT_SUCCESS);
+}
+
+void tst_hostile::subdirectoriesAreThoseOfQDir_data()
+{
+    QTest::addColumn<QByteArrayList>("entries");
+
+    const auto row = [](const char* title, const QByteArrayList& entries) {
+        QTest::newRow(title) << entries;
+    };
+    row("nothing", {});
+    row("folders_and_files", { "a/", "B/", "c", "2019/x/" });
+    row("hidden", { ".a/", ".b", "...", "c/", ".link -> c", "link -> .a" });
+    row("link_to_a_folder", { "a/", "link -> a", "link to link -> link", "up -> ..", "here -> ." });
+    row("link_to_a_file", { "a", "link -> a", "link to link -> link" });
+    row("link_to_a_pipe", { "a|", "link -> a" });
+    row("link_to_a_socket", { "a=", "link -> a" });
+    row("link_to_a_device", { "link -> /dev/null", "terminal -> /dev/tty" });
+    row("link_to_nothing",
+        { "dangling -> nowhere", "circle -> circle", "one -> two", "two -> one" });
+    row("link_through_a_file", { "a", "link -> a/b" });
+    row("normal_forms", { "Caf\u00e9/", "Cafe\u0301/", "\u212b/", "\u00c5/" });
+    row("colons", { ":a/", ":/", ":qt/", "a:b/", ":link -> :a" });
+    row("odd_names", { "%1/", "a\nb/", " /", "~/", "*/", "\\/", "a\\b/", "\ufffd/", "-/" });
+}
+
+// Those of QDir::Dirs and QDir::NoDotAndDotDot.
+void tst_hostile::subdirectoriesAreThoseOfQDir()
+{
+    QFETCH(const QByteArrayList, entries);
+
+    RawDirectory tree;
+    QVERIFY2(tree.make(entries).isValid(), tree.error());
+    const RecordingPlatform platform;
+    const QDir directory(tree.path());
+    QStringList expected;
+    const QFileInfoList listed = directory.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QFileInfo& entry : listed)
+        expected.append(entry.fileName());
+    QStringList found = platform.getDirectSubdirectoriesInDirectory(directory);
+    found.sort();
+    expected.sort();
+    QCOMPARE(found, expected);
+    QVERIFY(platform.incomplete.isEmpty());
+}
+
+void tst_hostile::nothingElseIsLost_data()
+{
+    QTest::addColumn<QByteArrayList>("entries");
+    QTest::addColumn<QByteArrayList>("folders");
+    QTest::addColumn<bool>("isTold");
+
+    const auto row = [](const char* title, const QByteArrayList& entries,
+                        const QByteArrayList& folders,
+                        bool isTold) { QTest::newRow(title) << entries << folders << isTold; };
+    // Both are what newer versions of QDir do not list as they are.
+    row("byte_order_mark_stays", { "\ufeff/", "\ufeffa/", "a/" }, { "a", "\ufeff", "\ufeffa" },
+        false);
+    row("folder_that_is_not_utf_8", { "a/", "\xff/", "b/" }, { "a", "b" }, true);
+    row("link_to_a_folder_that_is_not_utf_8", { "a/", "\xff -> a", "b/" }, { "a", "b" }, true);
+    // Nothing would have been listed for these.
+    row("file_that_is_not_utf_8", { "a/", "\xff", "b/" }, { "a", "b" }, false);
+    row("hidden_folder_that_is_not_utf_8", { "a/", ".\xff/", "b/" }, { "a", "b" }, false);
+    row("dangling_link_that_is_not_utf_8", { "a/", "\xff -> nowhere" }, { "a" }, false);
+    row("pipe_that_is_not_utf_8", { "a/", "\xff|" }, { "a" }, false);
+}
+
+// What the two listings cannot give is told once for each problem, and by the first alone.
+void tst_hostile::nothingElseIsLost()
+{
+    QFETCH(const QByteArrayList, entries);
+    QFETCH(const QByteArrayList, folders);
+    QFETCH(const bool, isTold);
+
+    RawDirectory tree;
+    tree.make(entries).make({ "x.jpg" });
+    VERIFY_MADE(tree);
+    const RecordingPlatform platform;
+    QByteArrayList found;
+    const QStringList names = platform.getDirectSubdirectoriesInDirectory(QDir(tree.path()));
+    for (const QString& name : names)
+        found.append(name.toUtf8());
+    QCOMPARE(sorted(found), folders);
+    QCOMPARE(platform.incomplete.size(), isTold ? 1 : 0);
+    if (isTold) {
+        QCOMPARE(platform.incomplete.constFirst().path, tree.path());
+        QCOMPARE(platform.incomplete.constFirst().problem,
+                 RecordingPlatform::ListingProblem::UndecodableName);
+        QCOMPARE(platform.incomplete.constFirst().systemError, 0);
+    }
+    QVERIFY(!platform.getDirectFilesInDirectory(QDir(tree.path())).isEmpty());
+    QCOMPARE(platform.incomplete.size(), isTold ? 1 : 0);
+}
+
+void tst_hostile::folderThatIsChangedMeanwhile_data()
+{
+    QTest::addColumn<QByteArray>("change");
+    QTest::addColumn<QByteArray>("moment");
+
+    for (const char* const change : { "removed", "renamed", "replaced" }) {
+        for (const char* const moment : { "", "/2018", "/2018/07", "/2018/07/deep", "/2019" })
+            QTest::addRow("%s_at_%s", change, *moment == '\0' ? "root" : moment + 1)
+                << QByteArray(change) << QByteArray(moment);
+    }
+}
+
+// By another program while a folder is about to be listed. All others are found, and reported.
+void tst_hostile::folderThatIsChangedMeanwhile()
+{
+    QFETCH(const QByteArray, change);
+    QFETCH(const QByteArray, moment);
+
+    RawDirectory tree;
+    QVERIFY2(tree.make({ "2018/07/deep/", "2019/05/" }).isValid(), tree.error());
+    const RecordingPlatform::Action act = [&change, &moment, &tree](const QString& path) {
+        if (path != tree.path() + QString::fromUtf8(moment))
+            return;
+        if (change == "renamed")
+            static_cast<void>(QFile::rename(tree.path("2018"), tree.path("2017")));
+        else
+            QDir(tree.path("2018")).removeRecursively();
+        if (change == "replaced")
+            tree.file("2018");
+    };
+    QByteArrayList found;
+    {
+        RecordingPlatform platform;
+        platform.walked = act;
+        found = walkedLines(tree.path());
+    }
+    found.removeIf([](const QByteArray& line) {
+        return line.startsWith("/2018") || line.startsWith("/2017");
+    });
+    QCOMPARE(found, (QByteArrayList { " Root", "/2019 Year", "/2019/05 Month" }));
+    const QByteArray report = reportOf(tree);
+    QVERIFY(report.startsWith(ReportText::lines(1, 20)));
+    QVERIFY(report.contains("<td>/2019/05</td>"));
+    QVERIFY(report.endsWith(ReportText::lines(21, 23)));
 }
 
 void tst_hostile::tenThousandFoldersInOne()

@@ -3,6 +3,7 @@
 #include <VLCore/VLPlatformIndependent.h>
 
 #include <QtCore/QDir>
+#include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
@@ -15,6 +16,12 @@ class RecordingPlatform : public VLPlatformIndependent
 {
 public:
     using Action = std::function<void(const QString& call)>;
+    struct Incomplete
+    {
+        QString path;
+        ListingProblem problem;
+        int systemError;
+    };
 
     /// \a action, if any, is told each call when it is noted, ahead of its work.
     explicit RecordingPlatform(Action action = {})
@@ -42,6 +49,13 @@ public:
         return VLPlatformIndependent::getDirectFilesInDirectory(directory);
     }
 
+    QStringList getDirectSubdirectoriesInDirectory(const QDir& directory) const override
+    {
+        if (walked)
+            walked(directory.path());
+        return VLPlatformIndependent::getDirectSubdirectoriesInDirectory(directory);
+    }
+
     void directoryContentsChanged(const QDir& directory) override
     {
         note(QStringLiteral("directoryContentsChanged ") + directory.path());
@@ -56,22 +70,23 @@ public:
     }
 
     mutable QStringList calls;
-    /// Paths of the directories whose listings lacked something.
-    mutable QStringList incomplete;
     QStringList openedArguments;
     QString openedApplication;
     /// What openFile() answers.
     bool opens = true;
     /// How many files each directory is said to hold, unless negative.
     qsizetype fileCount = -1;
+    /// Told each directory whose subdirectories are asked for, if set; these are not among the
+    /// calls.
+    Action walked;
+    /// What listings left out.
+    mutable QList<Incomplete> incomplete;
 
 protected:
     void listingIncomplete(const QDir& directory, ListingProblem problem,
                            int systemError) const override
     {
-        Q_UNUSED(problem)
-        Q_UNUSED(systemError)
-        incomplete.append(directory.path());
+        incomplete.append({ directory.path(), problem, systemError });
     }
 
 private:

@@ -3,7 +3,6 @@
 #include <QtCore/QDir>
 #include <QtCore/QString>
 
-#include <functional>
 #include <utility>
 
 #if !__has_include(<QtCore/private/qfsfileengine_p.h>)
@@ -13,7 +12,7 @@ class PathsAsGiven
 {
 public:
     static constexpr bool isAvailable = false;
-    explicit PathsAsGiven(const QString&, const std::function<void(const QString&)>& = {}) { }
+    explicit PathsAsGiven(const QString&) { }
 };
 
 #else
@@ -29,12 +28,9 @@ class PathsAsGiven : public QAbstractFileEngineHandler
 {
 public:
     static constexpr bool isAvailable = true;
-    using Notify = std::function<void(const QString& path)>;
 
-    /// \a notify, if any, is told each path whose absolute path is asked for.
-    explicit PathsAsGiven(const QString& prefix, Notify notify = {})
+    explicit PathsAsGiven(const QString& prefix)
         : m_prefix(prefix)
-        , m_notify(std::move(notify))
     {
     }
 
@@ -45,18 +41,14 @@ public:
     {
         if (!path.startsWith(m_prefix, Qt::CaseInsensitive))
             return Engine {};
-        return Engine { new FileEngine(path, m_notify) };
+        return Engine { new FileEngine(path) };
     }
 
 private:
     class FileEngine : public QFSFileEngine
     {
     public:
-        FileEngine(const QString& path, Notify notify)
-            : QFSFileEngine(path)
-            , m_notify(std::move(notify))
-        {
-        }
+        using QFSFileEngine::QFSFileEngine;
 
         // What is presented is no place on a disk.
         FileFlags fileFlags(FileFlags type) const override
@@ -66,22 +58,14 @@ private:
 
         QString fileName(FileName name) const override
         {
-            QString path = QFSFileEngine::fileName(DefaultName);
+            const QString path = QFSFileEngine::fileName(DefaultName);
             if (name == CanonicalName)
                 return path.toLower();
-            if (name != AbsoluteName)
-                return QFSFileEngine::fileName(name);
-            if (m_notify)
-                m_notify(path);
-            return QDir::cleanPath(path);
+            return name == AbsoluteName ? QDir::cleanPath(path) : QFSFileEngine::fileName(name);
         }
-
-    private:
-        Notify m_notify;
     };
 
     QString m_prefix;
-    Notify m_notify;
 };
 
 #endif
