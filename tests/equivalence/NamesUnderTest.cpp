@@ -6,6 +6,7 @@
 
 #include <array>
 #include <random>
+#include <string_view>
 
 using namespace Qt::StringLiterals;
 
@@ -16,12 +17,9 @@ constexpr std::array formatTypes { QLocale::LongFormat, QLocale::ShortFormat,
 
 // The zeros of scripts whose digits follow one another, those beyond the basic plane last. Then
 // what only looks like digits: superscript, circled and Roman numbers.
-constexpr std::array<char32_t, 22> firstDigits {
-    U'0',          U'\u0660', U'\u06f0',     U'\u07c0',     U'\u0966',     U'\u09e6',
-    U'\u0e50',     U'\u0f20', U'\u1040',     U'\u17e0',     U'\u1810',     U'\u1c50',
-    U'\uabf0',     U'\uff10', U'\U000104a0', U'\U00011136', U'\U0001d7ce', U'\U0001e950',
-    U'\U0001fbf0', U'\u2070', U'\u2460',     U'\u2160',
-};
+constexpr std::u32string_view firstDigits =
+    U"0\u0660\u06f0\u07c0\u0966\u09e6\u0e50\u0f20\u1040\u17e0\u1810\u1c50\uabf0\uff10"
+    U"\U000104a0\U00011136\U0001d7ce\U0001e950\U0001fbf0\u2070\u2460\u2160";
 
 // One generator for each list of names. The standard's distributions differ between libraries, so
 // only the engine, whose numbers are fixed, is used.

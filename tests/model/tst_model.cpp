@@ -169,11 +169,9 @@ private Q_SLOTS:
     void occasionListTexts_data();
     void occasionListTexts();
     void occasionListDescribesEachRecord();
-    void occasionListIsAQList();
 
     void resultIsEmptyUnlessGiven();
     void resultHasTheOccasionsLastSet();
-    void resultGivesCopiesOfWhatItHolds();
     void copiesAreIndependentAndMovedValuesArrive();
     void resultEquality_data();
     void resultEquality();
@@ -471,17 +469,6 @@ void tst_model::occasionListDescribesEachRecord()
     QCOMPARE(list.occasion(), u"Birthday,Party,"_s);
 }
 
-void tst_model::occasionListIsAQList()
-{
-    VLOccasionInfoList list = occasions({ u"A"_s, u"B"_s, u"C"_s });
-    list.replace(1, VLOccasionInfo(u"X"_s, u"s"_s, 0.5));
-    list.removeAt(0);
-    QCOMPARE(list.occasion(), u"X,C"_s);
-    QCOMPARE(list.indexOf(VLOccasionInfo(u"C"_s, u"s"_s, 0.5)), 1);
-    list.clear();
-    QCOMPARE(list.description(), u"no Data"_s);
-}
-
 void tst_model::resultIsEmptyUnlessGiven()
 {
     const Result empty;
@@ -502,18 +489,6 @@ void tst_model::resultHasTheOccasionsLastSet()
     QCOMPARE(contentsOf(event), u"/vl=16 C"_s);
     event.setOccasionInformation(VLOccasionInfoList());
     QCOMPARE(contentsOf(event), u"/vl=16 "_s);
-}
-
-void tst_model::resultGivesCopiesOfWhatItHolds()
-{
-    const Result year = result(u"/vl"_s, 2, { u"A"_s });
-    auto directory = year.directory();
-    auto classification = year.classification();
-    auto information = year.occasionInformation();
-    directory.setFile(u"/other"_s);
-    classification |= Type::Event;
-    information.clear();
-    QCOMPARE(contentsOf(year), u"/vl=2 A"_s);
 }
 
 void tst_model::copiesAreIndependentAndMovedValuesArrive()
