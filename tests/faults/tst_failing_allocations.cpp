@@ -327,7 +327,7 @@ void Host::attempt(long nth)
     said.finish();
 }
 
-// Runs one attempt in a child and prints its said. Returns false when no more attempts follow.
+// Runs one attempt in a child and prints its line. Returns false when no more attempts follow.
 bool printAttempt(std::optional<Host>& host, const Order& order, long nth)
 {
     std::array<int, 2> ends {};

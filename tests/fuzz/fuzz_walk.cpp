@@ -6,16 +6,11 @@
 #include "Fuzzing.h"
 #include "LiteralRules.h"
 #include "RawDirectory.h"
-#include "TypeNames.h"
-
-#include <VLFolioEventClassifier/VLFolioEventClassifier.h>
+#include "Walk.h"
 
 #include <map>
-#include <memory>
 #include <optional>
 #include <vector>
-
-using namespace Qt::StringLiterals;
 
 using Type = VLEventFolderTypeEnum;
 
@@ -58,7 +53,7 @@ public:
 
     /// One line for each folder that the walk visits, or nothing when they are too many or their
     /// paths too long for the system.
-    [[nodiscard]] std::optional<QStringList> walkedLines() const
+    [[nodiscard]] std::optional<QByteArrayList> walkedLines() const
     {
         Walked walked;
         visit({ 0, {}, {}, Type::Unknown, 0 }, walked);
@@ -91,7 +86,7 @@ private:
     };
     struct Walked
     {
-        QStringList lines;
+        QByteArrayList lines;
         bool isTooLarge = false;
     };
 
@@ -149,7 +144,7 @@ private:
             ? Type::Root
             : LiteralRules::typeOfName(place.name, LiteralRules::Locales::current(), months);
         const Type type = LiteralRules::typeInContext(own, place.parent);
-        walked.lines.append(place.path + u' ' + typeName(type));
+        walked.lines.append((place.path + u' ' + typeName(type)).toUtf8());
         for (const auto& [name, entry] : listed(m_folders.at(place.folder))) {
             visit({ *entry.folder, place.path + u'/' + name, name, type,
                     place.links + (entry.isLink ? 1 : 0) },
@@ -160,19 +155,6 @@ private:
     RawDirectory& m_directory;
     std::vector<Folder> m_folders;
 };
-
-QStringList walkedLines(const QString& path)
-{
-    QStringList lines;
-    const QFileInfo root(path);
-    const QList<VLEventFolderClassificationResult> results =
-        VLFolioEventClassifier(root).eventFolderTypes(root, {});
-    for (const VLEventFolderClassificationResult& result : results) {
-        lines.append(result.directory().absoluteFilePath().mid(path.size()) + u' '
-                     + typeName(result.classification().value()));
-    }
-    return lines;
-}
 
 } // namespace
 
