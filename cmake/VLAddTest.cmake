@@ -8,8 +8,6 @@ function(vl_add_test name)
     set(target tst_${name})
     add_executable(${target} ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)
-    # A test is compiled for longer than it runs. The libraries in it are optimized as ever.
-    target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
     target_link_libraries(${target} PRIVATE
         VLProjectOptions
         VLTestSupport

@@ -16,7 +16,7 @@ expect() {
 # make_checkout DIRECTORY: a project whose program prints its arguments, and whose test passes.
 make_checkout() {
     mkdir "$1"
-    cp -R "$sources"/{CMakePresets.json,run,test,scripts} "$1"
+    cp -R "$sources"/{CMakePresets.json,examples,run,test,scripts} "$1"
     cat >"$1/CMakeLists.txt" <<'CMAKE'
 cmake_minimum_required(VERSION 3.25)
 project(checkout LANGUAGES NONE)

@@ -639,7 +639,7 @@ void tst_walk::deepestTree()
 // The stack of a secondary thread where it is smallest, macOS.
 void tst_walk::deepestTreeFitsHalfAMegabyteOfStack()
 {
-#ifndef __OPTIMIZE__
+#ifndef NDEBUG
     QSKIP("Not built with optimization: use a Release build");
 #endif
     if (underSanitizer)
