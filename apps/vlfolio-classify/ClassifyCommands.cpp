@@ -1,7 +1,8 @@
 #include "ClassifyCommands.h"
 
 #include "FolderReasons.h"
-#include "HostPlatform.h"
+#include "JsonLine.h"
+#include "ProgramPlatform.h"
 #include "Progress.h"
 #include "Terminal.h"
 
@@ -10,15 +11,11 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFileInfo>
-#include <QtCore/QJsonArray>
-#include <QtCore/QJsonDocument>
-#include <QtCore/QJsonObject>
 #include <QtCore/QList>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -39,40 +36,41 @@ constexpr std::array allTypes {
 
 QString nameOf(const VLEventFolderType& type)
 {
-    return type.enumToStringTable()->nameFor(type.value());
+    return type.name();
 }
 
-// A folder of the outcome, and what was seen in it.
+// A folder of the outcome, and how many files are in it if that was asked for.
 struct Folder
 {
     VLEventFolderClassificationResult result;
     qsizetype fileCount = 0;
-    QList<HostPlatform::Omission> omissions;
 };
 
-Folder lookedInto(const VLEventFolderClassificationResult& result, const HostPlatform& platform)
+bool isWanted(const VLEventFolderType& type, const QList<VLEventFolderType>& types)
 {
-    const QDir directory(result.directory().absoluteFilePath());
-    const qsizetype fileCount = platform.getDirectFilesInDirectory(directory).size();
-    return { result, fileCount, platform.omissionsIn(directory.path()) };
+    return types.isEmpty() || types.contains(type);
 }
 
-QList<Folder> classified(const QString& rootPath, const HostPlatform& platform)
+// Only a JSON object tells how many files there are: for the other commands each folder is read
+// once.
+QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath,
+                         const ProgramPlatform& platform)
 {
-    const Progress progress(platform, "Reading");
+    Progress progress(platform);
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
     const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
+    progress.lookAgain("Counting files:", static_cast<int>(results.size()));
     QList<Folder> folders;
     folders.reserve(results.size());
-    for (const VLEventFolderClassificationResult& result : results)
-        folders.append(lookedInto(result, platform));
+    for (const VLEventFolderClassificationResult& result : results) {
+        const QDir directory(result.directory().absoluteFilePath());
+        const bool isCounted = commandLine.action == CommandLine::Action::Json
+            && isWanted(result.classification(), commandLine.types);
+        folders.append(
+            { result, isCounted ? platform.getDirectFilesInDirectory(directory).size() : 0 });
+    }
     return folders;
-}
-
-bool isWanted(const VLEventFolderType& type, const std::optional<VLEventFolderType>& only)
-{
-    return !only || *only == type;
 }
 
 // The root's path and the slash behind it.
@@ -81,86 +79,32 @@ int prefixLength(const QString& rootPath)
     return static_cast<int>(rootPath.endsWith(u'/') ? rootPath.size() : rootPath.size() + 1);
 }
 
-QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
+QString listLine(const CommandLine& commandLine, const Folder& folder, const FolderReasons& reasons,
+                 int prefix)
 {
-    QJsonArray array;
-    const VLOccasionInfoList occasions = result.occasionInformation();
-    for (const VLOccasionInfo& info : occasions) {
-        array.append(QJsonObject { { u"occasion"_s, info.occasion() },
-                                   { u"source"_s, info.source() },
-                                   { u"confidence"_s, info.confidence() } });
-    }
-    return array;
-}
-
-QString incompleteReason(HostPlatform::ListingProblem problem)
-{
-    switch (problem) {
-    case HostPlatform::ListingProblem::Unreadable:
-        return u"unreadable"_s;
-    case HostPlatform::ListingProblem::Unsearchable:
-        return u"unsearchable"_s;
-    case HostPlatform::ListingProblem::UnknownEntry:
-        return u"unknownEntries"_s;
-    case HostPlatform::ListingProblem::UndecodableName:
-        break;
-    }
-    return u"undecodableNames"_s;
-}
-
-QJsonArray incompleteReasons(const QList<HostPlatform::Omission>& omissions)
-{
-    QJsonArray array;
-    for (const HostPlatform::Omission& omission : omissions) {
-        const QString reason = incompleteReason(omission.problem);
-        if (!array.contains(reason))
-            array.append(reason);
-    }
-    return array;
-}
-
-QString jsonLine(const Folder& folder, const FolderReasons::Reason& reason, int prefix)
-{
-    const QString path = folder.result.directory().absoluteFilePath();
-    const VLEventFolderType type = folder.result.classification();
-    // clang-format off
-    QJsonObject object {
-        { u"path"_s, path },
-        { u"relativePath"_s, path.mid(prefix) },
-        { u"type"_s, nameOf(type) },
-        { u"value"_s, static_cast<int>(type.value()) },
-        { u"ownType"_s, nameOf(reason.ownType) },
-        { u"tests"_s, QJsonArray::fromStringList(reason.tests) },
-        { u"files"_s, folder.fileCount },
-        { u"occasions"_s, occasionsOf(folder.result) },
-    };
-    // clang-format on
-    // Only what is incomplete says so: that is what a reader looks for.
-    if (!folder.omissions.isEmpty())
-        object.insert(u"incomplete"_s, incompleteReasons(folder.omissions));
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
-}
-
-QString line(const CommandLine& commandLine, const Folder& folder, const FolderReasons& reasons,
-             int prefix)
-{
-    if (commandLine.action == CommandLine::Action::Json)
-        return jsonLine(folder, reasons.reason(), prefix);
     const QString line = folder.result.render(prefix);
     return commandLine.why ? line + u"  ("_s + reasons.reason().text + u')' : line;
 }
 
-void printSummary(const QList<Folder>& folders, const std::optional<VLEventFolderType>& only)
+void printCount(const QString& name, qsizetype count)
 {
+    Terminal::writeLine(u"%1 %2"_s.arg(name, -13).arg(count));
+}
+
+void printSummary(const QList<Folder>& folders, const QList<VLEventFolderType>& types)
+{
+    qsizetype total = 0;
     for (const VLEventFolderTypeEnum type : allTypes) {
-        if (isWanted(type, only)) {
-            const auto count =
-                std::count_if(folders.cbegin(), folders.cend(), [type](const Folder& folder) {
-                    return folder.result.classification() == type;
-                });
-            Terminal::writeLine(u"%1 %2"_s.arg(nameOf(type), -13).arg(count));
-        }
+        if (!isWanted(type, types))
+            continue;
+        const auto isOfType = [type](const Folder& folder) {
+            return folder.result.classification() == type;
+        };
+        const auto count = std::count_if(folders.cbegin(), folders.cend(), isOfType);
+        printCount(nameOf(type), count);
+        total += count;
     }
+    printCount(u"Total"_s, total);
 }
 
 QString explanation(const VLFolioEventClassifier& classifier, const QString& name)
@@ -180,11 +124,11 @@ int exitCode()
 
 int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
 {
-    const HostPlatform platform(CommandLine::Opening::Never);
-    const QList<Folder> folders = classified(rootPath, platform);
-    platform.tellOmissions();
+    const ProgramPlatform platform(rootPath, commandLine.excluded);
+    const QList<Folder> folders = classified(commandLine, rootPath, platform);
+    platform.tellLeftOut();
     if (commandLine.action == CommandLine::Action::Summary) {
-        printSummary(folders, commandLine.type);
+        printSummary(folders, commandLine.types);
         return exitCode();
     }
 
@@ -192,8 +136,14 @@ int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString
     FolderReasons reasons { QFileInfo(rootPath) };
     for (const Folder& folder : folders) {
         reasons.enter(folder.result);
-        if (isWanted(folder.result.classification(), commandLine.type))
-            Terminal::writeLine(line(commandLine, folder, reasons, prefix));
+        if (!isWanted(folder.result.classification(), commandLine.types))
+            continue;
+        const QString path = folder.result.directory().absoluteFilePath();
+        Terminal::writeLine(commandLine.action == CommandLine::Action::Json
+                                ? jsonLine({ folder.result, folder.fileCount, reasons.reason(),
+                                             platform.incompleteListings(path) },
+                                           prefix)
+                                : listLine(commandLine, folder, reasons, prefix));
     }
     return exitCode();
 }
@@ -203,5 +153,13 @@ int ClassifyCommands::explain(const CommandLine& commandLine)
     const VLFolioEventClassifier classifier { QFileInfo() };
     for (const QString& name : std::as_const(commandLine.operands))
         Terminal::writeLine(explanation(classifier, name));
+    return exitCode();
+}
+
+int ClassifyCommands::printLocales()
+{
+    const QStringList names = CommandLine::localeNames();
+    for (const QString& name : names)
+        Terminal::writeLine(name);
     return exitCode();
 }

@@ -13,4 +13,7 @@ namespace ClassifyCommands {
 /// Prints for each name in the operands what it is by itself.
 [[nodiscard]] int explain(const CommandLine& commandLine);
 
+/// Prints the names that --locale takes.
+[[nodiscard]] int printLocales();
+
 } // namespace ClassifyCommands

@@ -4,9 +4,11 @@
 
 #include <QtCore/QCommandLineOption>
 #include <QtCore/QCommandLineParser>
+#include <QtCore/QRegularExpression>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +28,7 @@ constexpr std::array actionTable {
     ActionRow { "json"_L1, CommandLine::Action::Json },
     ActionRow { "summary"_L1, CommandLine::Action::Summary },
     ActionRow { "explain"_L1, CommandLine::Action::Explain },
+    ActionRow { "locales"_L1, CommandLine::Action::Locales },
 };
 
 void addOptions(QCommandLineParser& parser)
@@ -82,6 +85,11 @@ QString unknownOption(QCommandLineParser& parser, const QStringList& arguments)
     return *std::partition_point(arguments.cbegin(), arguments.cend(), isKnownSoFar);
 }
 
+bool worksOnDirectory(CommandLine::Action action)
+{
+    return action != CommandLine::Action::Explain && action != CommandLine::Action::Locales;
+}
+
 // What the parser has found wrong, in the words of the other messages.
 QString parserError(QCommandLineParser& parser, const QStringList& arguments)
 {
@@ -124,7 +132,20 @@ QString readOpening(const QCommandLineParser& parser, CommandLine& commandLine)
     return {};
 }
 
-QString readType(const QCommandLineParser& parser, CommandLine& commandLine)
+QString readOutput(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    const QStringList values = parser.values(u"output"_s);
+    if (values.isEmpty())
+        return {};
+    if (values.size() > 1)
+        return u"--output is given more than once"_s;
+    if (commandLine.action != CommandLine::Action::Report)
+        return u"--output goes with a report only"_s;
+    commandLine.output = values.constFirst();
+    return commandLine.output.isEmpty() ? u"--output needs a path"_s : QString();
+}
+
+QString readTypes(const QCommandLineParser& parser, CommandLine& commandLine)
 {
     if (!parser.isSet(u"type"_s))
         return {};
@@ -132,9 +153,13 @@ QString readType(const QCommandLineParser& parser, CommandLine& commandLine)
                                     CommandLine::Action::Summary };
     if (std::find(filtered.cbegin(), filtered.cend(), commandLine.action) == filtered.cend())
         return u"--type goes with --list, --json or --summary only"_s;
-    commandLine.type = typeNamed(parser.value(u"type"_s));
-    if (!commandLine.type)
-        return u"unknown type '%1'"_s.arg(parser.value(u"type"_s));
+    const QStringList names = parser.values(u"type"_s).join(u',').split(u',');
+    for (const QString& name : names) {
+        const auto type = typeNamed(name);
+        if (!type)
+            return u"unknown type '%1'"_s.arg(name);
+        commandLine.types.append(*type);
+    }
     return {};
 }
 
@@ -146,13 +171,40 @@ QString readWhy(const QCommandLineParser& parser, CommandLine& commandLine)
         : QString();
 }
 
+// Why no folder can have a name of this pattern, or an empty string.
+QString patternProblem(const QString& pattern)
+{
+    if (pattern.isEmpty())
+        return u"it is empty"_s;
+    if (pattern.contains(u'/'))
+        return u"it holds a slash, but is compared with names, not with paths"_s;
+    return QRegularExpression::fromWildcard(pattern, Qt::CaseSensitive).isValid()
+        ? QString()
+        : u"it is no valid pattern"_s;
+}
+
+QString readExcluded(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    commandLine.excluded = parser.values(u"exclude"_s);
+    if (!commandLine.excluded.isEmpty() && !worksOnDirectory(commandLine.action))
+        return u"--exclude goes with a directory only"_s;
+    for (const QString& pattern : std::as_const(commandLine.excluded)) {
+        if (const QString problem = patternProblem(pattern); !problem.isEmpty())
+            return u"--exclude '%1': %2"_s.arg(pattern, problem);
+    }
+    return {};
+}
+
 QString readLocale(const QCommandLineParser& parser, CommandLine& commandLine)
 {
-    if (!parser.isSet(u"locale"_s))
+    const QStringList names = parser.values(u"locale"_s);
+    if (names.isEmpty())
         return {};
-    commandLine.locale = localeNamed(parser.value(u"locale"_s));
+    if (names.size() > 1)
+        return u"--locale is given more than once"_s;
+    commandLine.locale = localeNamed(names.constFirst());
     if (!commandLine.locale)
-        return u"unknown locale '%1'"_s.arg(parser.value(u"locale"_s));
+        return u"unknown locale '%1'"_s.arg(names.constFirst());
     return {};
 }
 
@@ -165,8 +217,8 @@ QString namesProblem(const QStringList& names)
                                    [](const QString& name) { return name.contains(u'/'); });
     return path == names.cend()
         ? QString()
-        : u"'%1' is a path, --explain takes names only; --list --why explains the folders in a directory"_s
-              .arg(*path);
+        : u"'%1' is a path, --explain takes names only; --list --why explains the folders in a "
+          "directory"_s.arg(*path);
 }
 
 QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
@@ -174,6 +226,8 @@ QString readOperands(const QCommandLineParser& parser, CommandLine& commandLine)
     commandLine.operands = parser.positionalArguments();
     if (commandLine.action == CommandLine::Action::Explain)
         return namesProblem(commandLine.operands);
+    if (commandLine.action == CommandLine::Action::Locales)
+        return commandLine.operands.isEmpty() ? QString() : u"--locales takes no directory"_s;
     if (commandLine.operands.isEmpty() || commandLine.operands.constFirst().isEmpty())
         return u"no directory given"_s;
     if (commandLine.operands.size() > 1) {
@@ -200,7 +254,8 @@ std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QStr
         && (commandLine.action == Action::Help || commandLine.action == Action::Version)) {
         return commandLine;
     }
-    constexpr std::array readers { readOpening, readType, readWhy, readLocale, readOperands };
+    constexpr std::array readers { readOpening,  readOutput, readTypes,   readWhy,
+                                   readExcluded, readLocale, readOperands };
     for (const auto& read : readers) {
         if (error->isEmpty())
             *error = read(parser, commandLine);
@@ -215,6 +270,21 @@ QString CommandLine::helpText()
     // The parser's own first line names the path by which the program was called.
     const QString generated = parser.helpText();
     return u"Usage: vlfolio-classify [options] DIRECTORY\n"
-           "       vlfolio-classify [--locale NAME] --explain NAME...\n\n"_s
+           "       vlfolio-classify [--locale NAME] --explain NAME...\n"
+           "       vlfolio-classify --locales\n\n"_s
         + generated.mid(generated.indexOf(u'\n') + 1).trimmed();
+}
+
+QStringList CommandLine::localeNames()
+{
+    QStringList names;
+    const auto locales =
+        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory);
+    for (const QLocale& locale : locales) {
+        if (localeNamed(locale.name()))
+            names.append(locale.name());
+    }
+    names.removeDuplicates();
+    names.sort();
+    return names;
 }

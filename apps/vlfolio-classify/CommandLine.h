@@ -2,6 +2,7 @@
 
 #include <VLFolioEventClassifier/VLEventFolderType.h>
 
+#include <QtCore/QList>
 #include <QtCore/QLocale>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -12,16 +13,20 @@
 struct CommandLine
 {
     /// What the program does.
-    enum class Action { Report, List, Json, Summary, Explain, Help, Version };
+    enum class Action { Report, List, Json, Summary, Explain, Locales, Help, Version };
     /// When the report is opened: if there is a desktop, never, or in any case.
     enum class Opening { Desktop, Never, Always };
 
     Action action = Action::Report;
     Opening opening = Opening::Desktop;
-    /// Only folders of this type, for List, Json and Summary.
-    std::optional<VLEventFolderType> type;
+    /// Only folders of these types, for List, Json and Summary; all if empty.
+    QList<VLEventFolderType> types;
     /// Whether each line of List ends with the reason for the type.
     bool why = false;
+    /// Patterns of the names of folders that are left out.
+    QStringList excluded;
+    /// Where the report goes, as it was given; empty for the collection.
+    QString output;
     /// The default locale, if not the system's.
     std::optional<QLocale> locale;
     /// The directory, or the names to explain.
@@ -34,4 +39,7 @@ struct CommandLine
 
     /// The text of --help.
     [[nodiscard]] static QString helpText();
+
+    /// The names that --locale takes, sorted: those of Qt's own locales.
+    [[nodiscard]] static QStringList localeNames();
 };

@@ -38,7 +38,7 @@ const TypeWords& wordsFor(const VLEventFolderType& type)
 
 QString nameOf(const VLEventFolderType& type)
 {
-    return type.enumToStringTable()->nameFor(type.value());
+    return type.name();
 }
 
 // Where a name alone says too little, the folder above is named even if it changes nothing.

@@ -1,10 +1,12 @@
 #include "Progress.h"
 
-#include "HostPlatform.h"
+#include "ProgramPlatform.h"
 #include "Terminal.h"
 
+#include <array>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <system_error>
 
 using namespace std::chrono_literals;
@@ -15,11 +17,18 @@ constexpr auto firstDelay = 300ms;
 constexpr auto interval = 250ms;
 constexpr auto clearLine = "\r\033[K";
 
+using Line = std::array<char, 120>;
+
+// A line that fills the terminal's last column would be followed by a new one on some.
+bool fits(int length)
+{
+    return length < Terminal::errorLineWidth();
+}
+
 } // namespace
 
-Progress::Progress(const HostPlatform& platform, const char* step)
+Progress::Progress(const ProgramPlatform& platform)
     : m_platform(platform)
-    , m_step(step)
 {
     if (!Terminal::canWriteOverErrorLine())
         return;
@@ -42,14 +51,32 @@ Progress::~Progress()
     m_thread.join();
 }
 
+void Progress::lookAgain(const char* step, int total)
+{
+    m_total = total;
+    m_step = step;
+}
+
 // Takes no memory: there may be none left, and nobody catches what this thread throws.
 void Progress::show() const
 {
-    const int folders = m_platform.folderCount();
-    if (folders == 0)
-        std::fprintf(stderr, "%sWalking the folders ...", clearLine);
-    else
-        std::fprintf(stderr, "%s%s folder %d", clearLine, m_step, folders);
+    Line full {};
+    Line brief {};
+    int length = 0;
+    if (const char* const step = m_step) {
+        const int done = m_platform.countedFolders();
+        length = std::snprintf(full.data(), full.size(), "%s folder %d of %d", step, done,
+                               m_total.load());
+        std::snprintf(brief.data(), brief.size(), "%d of %d", done, m_total.load());
+    } else {
+        const int done = m_platform.walkedFolders();
+        length = std::snprintf(full.data(), full.size(), "Walking the folders: %d read", done);
+        std::snprintf(brief.data(), brief.size(), "%d", done);
+    }
+    if (fits(length))
+        std::fprintf(stderr, "%s%s", clearLine, full.data());
+    else if (fits(static_cast<int>(std::strlen(brief.data()))))
+        std::fprintf(stderr, "%s%s", clearLine, brief.data());
     std::fflush(stderr);
 }
 

@@ -1,30 +1,36 @@
 #pragma once
 
+#include <atomic>
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 
-class HostPlatform;
+class ProgramPlatform;
 
 /// Shows on standard error that a long run goes on, from a thread of its own: nothing at first,
 /// then a line that is written over. Silent unless standard error is a terminal that can do that.
 class Progress
 {
 public:
-    /// \param platform counts no folder during the walk, and each one after it.
-    /// \param step says what is done with a folder after the walk. It is not copied.
-    Progress(const HostPlatform& platform, const char* step);
+    /// \param platform counts the folders that the walk reads, and those that are looked at again.
+    explicit Progress(const ProgramPlatform& platform);
     /// Takes the line away.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
+    /// The walk is done, and \a total folders are looked at again. \a step says for what; it is not
+    /// copied.
+    void lookAgain(const char* step, int total);
+
 private:
     void run();
     void show() const;
 
-    const HostPlatform& m_platform;
-    const char* m_step;
+    const ProgramPlatform& m_platform;
+    // Null during the walk.
+    std::atomic<const char*> m_step = nullptr;
+    std::atomic<int> m_total = 0;
     std::mutex m_mutex;
     std::condition_variable m_wake;
     bool m_done = false;

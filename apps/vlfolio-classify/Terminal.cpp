@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -74,6 +75,14 @@ bool Terminal::canWriteOverErrorLine()
 {
     const QByteArray kind = qgetenv("TERM");
     return !kind.isEmpty() && kind != "dumb" && isTerminal(stderr);
+}
+
+int Terminal::errorLineWidth()
+{
+    constexpr int usualWidth = 80;
+    winsize size {};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? size.ws_col : usualWidth;
 }
 
 QString Terminal::escaped(const QString& text)

@@ -16,6 +16,9 @@ void occupyClosedStreams();
 /// TERM that it is "dumb", or nothing.
 [[nodiscard]] bool canWriteOverErrorLine();
 
+/// How many columns the terminal of standard error has; 80 where it does not say.
+[[nodiscard]] int errorLineWidth();
+
 /// Returns \a text with every control character and every character that changes the direction of
 /// writing replaced by "\uXXXX", so that a file name can neither steer a terminal nor break a line.
 [[nodiscard]] QString escaped(const QString& text);

@@ -1,23 +1,21 @@
 #include "ClassifyCommands.h"
 #include "CommandLine.h"
+#include "GivenPath.h"
 #include "ReportCommand.h"
 #include "Terminal.h"
 
-#include <QtCore/QCoreApplication>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QFileInfo>
 #include <QtCore/QLocale>
 #include <QtCore/QLoggingCategory>
+#include <QtCore/QStringDecoder>
 
-#include <cerrno>
+#include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <new>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <optional>
 
 using namespace Qt::StringLiterals;
 
@@ -33,55 +31,14 @@ int print(const QString& text)
     return Terminal::flush() ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-// The absolute path without a slash at its end, which would stay in the root's path and be cut
-// from every other one. Not absolute if that takes a working directory that was removed.
-QString rootPathOf(const QString& argument)
-{
-    // Qt takes "name/.." for the folder that holds the name; the system asks whether that name is
-    // there and where a link leads.
-    const QFileInfo given(argument);
-    if (argument.split(u'/').contains(u".."_s))
-        return given.exists() ? given.canonicalFilePath() : QDir::current().filePath(argument);
-    QString path = given.absoluteFilePath();
-    while (path.size() > 1 && path.endsWith(u'/'))
-        path.chop(1);
-    return path;
-}
-
-QString missing(const QString& path)
-{
-    // That is what Qt puts where an argument is not UTF-8. The way back leads to another name.
-    return path.contains(QChar::ReplacementCharacter)
-        ? u"it does not exist, or its name is not UTF-8"_s
-        : u"it does not exist"_s;
-}
-
-// Asked of the system, which tells a directory that is not there from one that cannot be looked at.
-QString directoryProblem(const QString& path)
-{
-    if (QDir::isRelativePath(path))
-        return u"its path cannot be found (was the working directory removed?)"_s;
-    const QByteArray name = QFile::encodeName(path);
-    struct stat status = {};
-    if (stat(name.constData(), &status) != 0)
-        return errno == ENOENT ? missing(path) : Terminal::errorText(errno);
-    if (!S_ISDIR(status.st_mode))
-        return u"it is not a directory"_s;
-    const int directory = open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (directory < 0)
-        return Terminal::errorText(errno);
-    close(directory);
-    return access(name.constData(), X_OK) == 0 ? QString() : Terminal::errorText(errno);
-}
-
 int runOnDirectory(const CommandLine& commandLine)
 {
     const QString& given = commandLine.operands.constFirst();
-    const QString rootPath = rootPathOf(given);
-    const QString problem = directoryProblem(rootPath);
+    const QString rootPath = GivenPath::absolute(given);
+    const QString problem = GivenPath::directoryProblem(given, rootPath);
     if (!problem.isEmpty()) {
-        Terminal::complain(u"cannot classify %1: %2"_s.arg(
-            QDir::isRelativePath(rootPath) ? given : rootPath, problem));
+        Terminal::complain(
+            u"cannot classify %1: %2"_s.arg(rootPath.startsWith(u'/') ? rootPath : given, problem));
         return EXIT_FAILURE;
     }
     return commandLine.action == CommandLine::Action::Report
@@ -100,31 +57,41 @@ int run(const CommandLine& commandLine)
         return print(u"vlfolio-classify " VLFOLIO_VERSION ""_s);
     case CommandLine::Action::Explain:
         return ClassifyCommands::explain(commandLine);
+    case CommandLine::Action::Locales:
+        return ClassifyCommands::printLocales();
     default:
         return runOnDirectory(commandLine);
     }
 }
 
-QtMessageHandler previousHandler = nullptr;
-
-// Newer Qt complains about a locale that is not of UTF-8 or not installed. It reads and writes
-// UTF-8 all the same, and has its own data of the language.
-void dropLocaleWarning(QtMsgType type, const QMessageLogContext& context, const QString& message)
+// The arguments as they are on the command line; nothing if one is not UTF-8, which would be taken
+// for another name. Not by QString::fromUtf8(), which drops a byte order mark in front.
+std::optional<QStringList> decodedArguments(int argc, char* argv[], QString* error)
 {
-    if (!message.startsWith("Detected locale "_L1))
-        previousHandler(type, context, message);
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+        const QString argument = decode(QByteArrayView(argv[i]));
+        if (argument.toUtf8() != argv[i]) {
+            *error = u"the argument '%1' is not UTF-8"_s.arg(argument);
+            return std::nullopt;
+        }
+        arguments.append(argument);
+    }
+    return arguments;
 }
 
+// No QCoreApplication: the program has no events, and making one would take GLib's dispatcher,
+// which ends the process where there is no memory.
 int runProgram(int argc, char* argv[])
 {
-    previousHandler = qInstallMessageHandler(dropLocaleWarning);
-    const QCoreApplication application(argc, argv);
-    qInstallMessageHandler(previousHandler);
     // The log of a service is noise on a terminal. QT_LOGGING_RULES brings it back.
     QLoggingCategory::setFilterRules(u"vl.folio.service.info=false"_s);
 
     QString error;
-    const auto commandLine = CommandLine::parse(QCoreApplication::arguments(), &error);
+    std::optional<CommandLine> commandLine;
+    if (const auto arguments = decodedArguments(argc, argv, &error))
+        commandLine = CommandLine::parse(*arguments, &error);
     if (!commandLine) {
         Terminal::complain(error + u". Try 'vlfolio-classify --help'."_s);
         return wrongUsage;
@@ -132,16 +99,40 @@ int runProgram(int argc, char* argv[])
     return run(*commandLine);
 }
 
+// What makes the other messages needs memory.
+int tellLackOfMemory()
+{
+    std::fputs("vlfolio-classify: out of memory\n", stderr);
+    return EXIT_FAILURE;
+}
+
+// Some functions of Qt may not throw, and take memory all the same.
+[[noreturn]] void endForGood()
+{
+    try {
+        if (std::current_exception())
+            throw;
+    } catch (const std::bad_alloc&) {
+        std::_Exit(tellLackOfMemory());
+    } catch (...) {
+        std::abort();
+    }
+    std::abort();
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
 {
     Terminal::occupyClosedStreams();
+    // The system's messages come in the user's language.
+    std::setlocale(LC_ALL, "");
+    // Where files may not grow further, writing tells why, as it does on a full disk.
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::set_terminate(endForGood);
     try {
         return runProgram(argc, argv);
     } catch (const std::bad_alloc&) {
-        // What makes the other messages needs memory.
-        std::fputs("vlfolio-classify: out of memory\n", stderr);
-        return EXIT_FAILURE;
+        return tellLackOfMemory();
     }
 }

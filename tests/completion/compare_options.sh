@@ -22,7 +22,7 @@ options() {
 
 # offered WORD...: what bash offers for the last word.
 offered() {
-    COMP_WORDS=(vlfolio-classify "$@")
+    COMP_WORDS=("$program" "$@")
     COMP_CWORD=$#
     _vlfolio_classify
     printf '%s\n' "${COMPREPLY[@]}" | sort
@@ -34,13 +34,16 @@ all=$("$program" --help | options)
 same "man page" "$all" "$(sed -n '/^\.TP/ { n; s/\\-/-/g; s/\\f.//g; p; }' "$app"/man/*.1 | options)"
 same "manual" "$all" "$(cat "$sources"/{README,docs/*}.md | grep '^| `-' | sed 's/|[^|]*|$//' | options)"
 same "bash" "$all" "$(offered -)"
-same "zsh" "$all" "$(sed -n "/^ *'[(-]/p" "$app/completions/_vlfolio-classify" | options)"
+same "zsh" "$all" "$(sed -n "/^ *'[(*-]/p" "$app/completions/_vlfolio-classify" | options)"
 same "fish" "$all" "$(sed -nE 's/^complete -c vlfolio-classify( -s ([a-z]))?( -l ([a-z-]+))? .*/-\2 --\4/p' \
     "$app/completions/vlfolio-classify.fish" | options)"
 
-types=$("$program" --summary . | cut -d' ' -f1 | sort)
+types=$("$program" --summary . | sed -e /^Total/d -e 's/ .*//' | sort)
 same "bash, types" "$types" "$(offered --type "")"
 same "bash, types behind an equals sign" "$types" "$(offered --type =)"
+same "bash, locales" "$("$program" --locales | grep "^de_")" "$(offered --locale de_)"
+same "bash, a type in any case" Day "$(offered --type dA)"
+same "bash, a type behind a comma" "day,Event" "$(offered --type day,e)"
 for file in "$app"/completions/*; do
     same "${file##*/}, types" "$types" \
         "$(grep -oE 'Unknown Root [A-Za-z ]+' "$file" | tr ' ' '\n' | sort)"

@@ -4,14 +4,18 @@
 #include "FuzzedResults.h"
 #include "Fuzzing.h"
 
-// The function is the file's own: no other code has a use for a single line.
-#include "ClassifyCommands.cpp" // NOLINT(bugprone-suspicious-include)
+#include "JsonLine.h"
 
+#include <QtCore/QJsonArray>
+#include <QtCore/QJsonDocument>
+#include <QtCore/QJsonObject>
 #include <QtCore/QRegularExpression>
 
 #include <algorithm>
-#include <cerrno>
+#include <array>
 #include <cmath>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -35,25 +39,51 @@ bool isStrictJson(const QByteArray& text)
     return grammar.match(QString::fromUtf8(text)).hasMatch();
 }
 
-// As many files as the path is long, and by that length one problem, the other, both or none.
-Folder folderOf(const Item& item)
+using Problem = VLPlatformIndependent::ListingProblem;
+
+struct ProblemName
 {
-    using Problem = HostPlatform::ListingProblem;
-    Folder folder { FuzzedResults::resultOf(item), item.path.size(), {} };
-    if (folder.fileCount & 1)
-        folder.omissions.append({ item.path, Problem::Unreadable, EIO });
-    if (folder.fileCount & 2)
-        folder.omissions.append({ item.path, Problem::UndecodableName, 0 });
+    Problem problem;
+    QLatin1StringView name;
+};
+
+constexpr std::array problemNames {
+    ProblemName { Problem::Unreadable, "unreadable"_L1 },
+    ProblemName { Problem::Unsearchable, "unsearchable"_L1 },
+    ProblemName { Problem::UnknownEntry, "unknownEntries"_L1 },
+    ProblemName { Problem::UndecodableName, "undecodableNames"_L1 },
+};
+
+// Each bit of the path's length stands for one of the problems, which two reasons of the system
+// make.
+bool hasProblem(const Item& item, std::size_t index)
+{
+    return (item.path.size() >> index & 1) != 0;
+}
+
+// As many files as the path is long. Any text is a reason here.
+JsonFolder folderOf(const Item& item)
+{
+    const VLEventFolderClassificationResult result = FuzzedResults::resultOf(item);
+    JsonFolder folder {
+        result, item.path.size(), { result.classification(), { item.path }, {} }, {}
+    };
+    for (std::size_t i = 0; i < problemNames.size(); ++i) {
+        if (hasProblem(item, i))
+            folder.incomplete.append(
+                { { problemNames[i].problem, 1 }, { problemNames[i].problem, 2 } });
+    }
     return folder;
 }
 
 QJsonArray expectedReasons(const Item& item)
 {
-    static const QJsonArray byLength[] { {},
-                                         { u"unreadable"_s },
-                                         { u"undecodableNames"_s },
-                                         { u"unreadable"_s, u"undecodableNames"_s } };
-    return byLength[item.path.size() % 4];
+    QJsonArray names;
+    for (std::size_t i = 0; i < problemNames.size(); ++i) {
+        if (hasProblem(item, i))
+            names.append(QString(problemNames[i].name));
+    }
+    return names;
 }
 
 // Qt's parser drops a byte order mark at the start of some texts, so that none takes part in the
@@ -110,10 +140,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
         QString::fromUtf8(reinterpret_cast<const char*>(data), qsizetype(size));
     const FuzzedResults input(data, size);
     for (const Item& item : input.items) {
-        // Any text is a reason here.
-        const Folder folder = folderOf(item);
-        const FolderReasons::Reason reason { folder.result.classification(), { item.path }, {} };
-        const QByteArray line = jsonLine(folder, reason, input.prefixLength).toUtf8();
+        const QByteArray line = jsonLine(folderOf(item), input.prefixLength).toUtf8();
         Fuzzing::compare("is JSON to the letter", isStrictJson(line), true, inputText);
         Fuzzing::compare("is one line", line.contains('\n'), false, inputText);
         QJsonParseError error {};

@@ -86,9 +86,11 @@ void makePipe(Descriptor& reading, Descriptor& writing)
     moveUp(writing);
 }
 
-void makeTerminal(Descriptor& master, Descriptor& slave)
+void makeTerminal(Descriptor& master, Descriptor& slave, unsigned short columns)
 {
-    if (openpty(master.address(), slave.address(), nullptr, nullptr, nullptr) != 0)
+    winsize size {};
+    size.ws_col = columns;
+    if (openpty(master.address(), slave.address(), nullptr, nullptr, &size) != 0)
         qFatal("No terminal can be made");
     // Raw: what the program writes arrives as it is, without carriage returns of the system's own.
     termios settings {};
@@ -125,7 +127,10 @@ QProcessEnvironment plainEnvironment(const QString& searchPath)
 void addRecordingOpener(const QString& directory)
 {
     QFile script(directory + u"/xdg-open"_s);
-    const QByteArray text = "#!/bin/sh\nprintf '%s\\n' \"$*\" >&9\n";
+    const QByteArray text = "#!/bin/sh\n"
+                            "printf '%s\\n' \"$*\" >&9\n"
+                            "[ -z \"$VLFOLIO_SHOW_WHEN_OPENED\" ] || "
+                            "/bin/cat \"$VLFOLIO_SHOW_WHEN_OPENED\" >&9\n";
     if (!script.open(QIODevice::WriteOnly) || script.write(text) != text.size()
         || !script.setPermissions(QFile::ReadOwner | QFile::ExeOwner)) {
         qFatal("Cannot make the opener");
@@ -154,6 +159,18 @@ HostProgram& HostProgram::with(const QString& variable, const QString& value)
 HostProgram& HostProgram::with(const QHash<QString, QString>& variables)
 {
     m_variables.insert(variables);
+    return *this;
+}
+
+HostProgram& HostProgram::preloading(const QString& library)
+{
+    m_libraries.append(library);
+    return *this;
+}
+
+HostProgram& HostProgram::columns(unsigned short number)
+{
+    m_columns = number;
     return *this;
 }
 
@@ -199,6 +216,11 @@ HostProgram::Outcome HostProgram::run() const
     if (m_opener == Opener::Recording)
         addRecordingOpener(searchPath.path());
     QProcessEnvironment environment = plainEnvironment(searchPath.path());
+    if (!m_libraries.isEmpty()) {
+        environment.insert(u"LD_PRELOAD"_s, m_libraries.join(u':'));
+        // A sanitizer wants to be loaded first unless told otherwise.
+        environment.insert(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
+    }
     for (auto entry = m_variables.cbegin(); entry != m_variables.cend(); ++entry)
         environment.insert(entry.key(), entry.value());
 
@@ -207,7 +229,7 @@ HostProgram::Outcome HostProgram::run() const
     makePipe(openedReading, openedWriting);
     Descriptor master;
     Descriptor slave;
-    makeTerminal(master, slave);
+    makeTerminal(master, slave, m_columns);
 
     QProcess process;
     process.setProcessEnvironment(environment);
@@ -220,6 +242,9 @@ HostProgram::Outcome HostProgram::run() const
         process.setUnixProcessParameters(QProcess::UnixProcessFlag::IgnoreSigPipe);
 #endif
     const auto prepare = [&, this] {
+#if defined(Q_OS_LINUX)
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
         std::signal(SIGPIPE, m_ignoresClosedPipes ? SIG_IGN : SIG_DFL);
         dup2(openedWriting.number(), openerDescriptor);
         if (m_output == Stream::Terminal)
@@ -234,15 +259,17 @@ HostProgram::Outcome HostProgram::run() const
     if (!process.waitForStarted())
         qFatal("The program cannot be started");
     openedWriting.close();
-    if (!process.waitForFinished(60'000))
-        qFatal("The program does not end");
-
     Outcome outcome;
+    if (!process.waitForFinished(60'000)) {
+        process.kill();
+        process.waitForFinished();
+        outcome.error = "(killed after a minute) ";
+    }
     // Qt gives the signal's number as the exit code of a program that crashed.
     outcome.exitCode =
         process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -process.exitCode();
     outcome.output = process.readAllStandardOutput();
-    outcome.error = process.readAllStandardError();
+    outcome.error += process.readAllStandardError();
     outcome.terminal = takeShown(master, slave);
     outcome.opened = openedReading.readUntil('\0');
     return outcome;
@@ -274,8 +301,7 @@ void ChildSteps::closedPipe()
 
 void ChildSteps::limitFileSize(unsigned long bytes)
 {
-    // Without the signal, writing fails as it does on a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_DFL);
     const rlimit limit { bytes, bytes };
     if (setrlimit(RLIMIT_FSIZE, &limit) != 0)
         giveUp();
@@ -299,8 +325,7 @@ void ChildSteps::mountOver(const char* directory, bool readOnly)
 #if defined(Q_OS_LINUX)
     const unsigned long flags = readOnly ? static_cast<unsigned long>(MS_RDONLY) : 0;
     if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
-        || mount("tmpfs", directory, "tmpfs", flags, "size=64k") != 0
-        || chdir(directory) != 0) {
+        || mount("tmpfs", directory, "tmpfs", flags, "size=64k") != 0 || chdir(directory) != 0) {
         giveUp();
     }
     if (readOnly)

@@ -39,22 +39,29 @@ public:
     HostProgram& in(const QString& directory);
     HostProgram& with(const QString& variable, const QString& value);
     HostProgram& with(const QHash<QString, QString>& variables);
+    /// Loads \a library into the program. May be called more than once.
+    HostProgram& preloading(const QString& library);
     HostProgram& output(Stream stream);
     HostProgram& error(Stream stream);
     HostProgram& outputFile(const QString& path);
     HostProgram& opener(Opener opener);
+    /// Sets how many columns the terminal has.
+    HostProgram& columns(unsigned short number);
     /// Begins the program with the signal of a closed pipe ignored.
     HostProgram& ignoringClosedPipes();
     /// What the child does before the program begins. Nothing in it may allocate.
     HostProgram& before(const std::function<void()>& step);
 
-    /// Runs the program to its end, and to the end of an opener that it started.
+    /// Runs the program to its end, and to the end of an opener that it started. One that does not
+    /// end is killed, as it is when this process goes.
     [[nodiscard]] Outcome run() const;
 
 private:
     QStringList m_arguments;
     QString m_directory;
     QHash<QString, QString> m_variables;
+    QStringList m_libraries;
+    unsigned short m_columns = 0;
     Stream m_output = Stream::Pipe;
     Stream m_error = Stream::Pipe;
     QString m_outputFile;

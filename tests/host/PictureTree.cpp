@@ -3,6 +3,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,7 +25,7 @@ PictureTree::~PictureTree()
 
 void PictureTree::addFolder(const QString& name) const
 {
-    if (!QDir(m_path).mkpath(name))
+    if (!QDir().mkpath(path(name)))
         qFatal("Cannot make a folder");
 }
 
@@ -46,6 +47,20 @@ void PictureTree::setMode(const QString& name, unsigned mode)
     m_restricted.prepend(name);
     if (chmod(QFile::encodeName(path(name)).constData(), static_cast<mode_t>(mode)) != 0)
         qFatal("Cannot change permissions");
+}
+
+void PictureTree::setTime(const QString& name, long seconds) const
+{
+    const timespec time { seconds, 0 };
+    const timespec times[] { time, time };
+    if (utimensat(AT_FDCWD, QFile::encodeName(path(name)).constData(), times, 0) != 0)
+        qFatal("Cannot change a time");
+}
+
+QStringList PictureTree::names(const QString& name) const
+{
+    return QDir(path(name))
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
 }
 
 bool PictureTree::exists(const QString& name) const

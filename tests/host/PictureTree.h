@@ -25,6 +25,11 @@ public:
     /// Sets the permission bits of \a name until the tree goes.
     void setMode(const QString& name, unsigned mode);
 
+    /// Sets the time of the last change of \a name, in seconds since 1970.
+    void setTime(const QString& name, long seconds) const;
+
+    /// What is in the folder \a name, hidden and not, sorted.
+    [[nodiscard]] QStringList names(const QString& name) const;
     [[nodiscard]] bool exists(const QString& name) const;
     [[nodiscard]] QByteArray content(const QString& name) const;
 

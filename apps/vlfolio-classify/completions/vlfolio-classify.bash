@@ -1,23 +1,26 @@
 # shellcheck shell=bash
 # Completion for bash, down to 3.2.
 
-_vlfolio_classify_locales() {
-    locale -a | sed -e /@/d -e 's/\..*//' | sort -u
-}
-
 _vlfolio_classify() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local options word words=
+    local options word words='' before='' minded=''
     # In --type=Year the equals sign is a word by itself.
     if [ "$current" = = ]; then
         current=
     elif [ "$previous" = = ]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
-    options='--open --no-open --list --json --summary --why --type --explain --locale -h --help -v --version'
+    options='--open --no-open --output --list --json --summary --why --type --exclude --explain'
+    options+=' --locale --locales -h --help -v --version'
     case $previous in
-    --type) words='Unknown Root Year Month Day Event ProjectFolder' ;;
-    --locale) words=$(_vlfolio_classify_locales) ;;
+    --type)
+        words='Unknown Root Year Month Day Event ProjectFolder'
+        before=${current%"${current##*,}"}
+        ;;
+    --locale) words=$("${COMP_WORDS[0]}" --locales 2>/dev/null) ;;
+    --output)
+        compopt -o default 2>/dev/null
+        ;;
     esac
     if [ -n "$words" ]; then
         # A value is no directory. Older shells cannot be told.
@@ -25,10 +28,13 @@ _vlfolio_classify() {
     elif [[ $current == -* ]]; then
         words=$options
     fi
+    shopt -q nocasematch || minded=1
+    shopt -s nocasematch
     COMPREPLY=()
-    while IFS= read -r word; do
-        COMPREPLY+=("$word")
-    done < <(compgen -W "$words" -- "$current")
+    for word in $words; do
+        [[ $before$word != "$current"* ]] || COMPREPLY+=("$before$word")
+    done
+    [ -z "$minded" ] || shopt -u nocasematch
 }
 
 complete -o dirnames -F _vlfolio_classify vlfolio-classify

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <VLCore/VLPlatformIndependent.h>
+
+#include <QtCore/QString>
+
+/// What the listing of a folder lacks, and why.
+struct IncompleteListing
+{
+    VLPlatformIndependent::ListingProblem problem;
+    /// The system's reason, an errno value; 0 where it gave none.
+    int systemError = 0;
+
+    [[nodiscard]] bool operator==(const IncompleteListing& other) const
+    {
+        return problem == other.problem && systemError == other.systemError;
+    }
+};
+
+/// The name of what \a listing lacks, for programs that read it.
+[[nodiscard]] QString incompleteName(const IncompleteListing& listing);
+
+/// Says in one line what \a listing of the folder at \a path lacks, and why.
+[[nodiscard]] QString incompleteReason(const QString& path, const IncompleteListing& listing);

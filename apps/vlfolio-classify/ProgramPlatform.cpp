@@ -1,0 +1,167 @@
+#include "ProgramPlatform.h"
+
+#include "Terminal.h"
+
+#include <QtCore/QFileInfo>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QScopeGuard>
+
+#include <algorithm>
+#include <csignal>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// The folder above \a path; empty for the root of the file system.
+QString parentOf(const QString& path)
+{
+    const qsizetype slash = path.lastIndexOf(u'/');
+    if (slash > 0)
+        return path.first(slash);
+    return path.size() > 1 ? u"/"_s : QString();
+}
+
+// The folder on the way to \a path that it leads back to, if it is a link that does.
+QString folderLedBackTo(const QString& path)
+{
+    if (!FileIdentity::isLink(path))
+        return {};
+    const FileIdentity target(path);
+    QString above = parentOf(path);
+    while (!above.isEmpty() && !(target == FileIdentity(above)))
+        above = parentOf(above);
+    return above;
+}
+
+} // namespace
+
+ProgramPlatform::ProgramPlatform(const QString& rootPath, const QStringList& excluded)
+    : m_rootPath(rootPath)
+{
+    for (const QString& pattern : excluded) {
+        m_exclusions.push_back(
+            { pattern, QRegularExpression::fromWildcard(pattern, Qt::CaseSensitive), false });
+    }
+    setInstance(this);
+}
+
+ProgramPlatform::~ProgramPlatform()
+{
+    setInstance(nullptr);
+}
+
+void ProgramPlatform::allowOpening()
+{
+    m_opens = true;
+}
+
+void ProgramPlatform::expectFile(const QString& path)
+{
+    const QFileInfo file(path);
+    m_expectedPath = file.absolutePath();
+    m_expectedDirectory = FileIdentity(m_expectedPath);
+    m_expectedName = file.fileName();
+}
+
+int ProgramPlatform::walkedFolders() const
+{
+    return m_walkedFolders.load(std::memory_order_relaxed);
+}
+
+int ProgramPlatform::countedFolders() const
+{
+    return m_countedFolders.load(std::memory_order_relaxed);
+}
+
+QList<IncompleteListing> ProgramPlatform::incompleteListings(const QString& path) const
+{
+    const auto entry = m_incomplete.find(path);
+    return entry == m_incomplete.cend() ? QList<IncompleteListing>() : entry->second;
+}
+
+void ProgramPlatform::tellLeftOut() const
+{
+    for (const auto& [path, listings] : std::as_const(m_incomplete)) {
+        for (const IncompleteListing& listing : listings)
+            Terminal::complain(incompleteReason(path, listing));
+    }
+    for (const Circle& circle : std::as_const(m_circles))
+        Terminal::complain(u"%1 leads back to %2, not followed"_s.arg(circle.link, circle.folder));
+    for (const Exclusion& exclusion : m_exclusions) {
+        if (!exclusion.matched)
+            Terminal::complain(u"--exclude '%1' matched no folder"_s.arg(exclusion.pattern));
+    }
+}
+
+bool ProgramPlatform::openFile(const QString& path, const QStringList& arguments,
+                               const QString& application)
+{
+    if (!m_opens)
+        return true;
+    // The application meets limits on files as it would without this program.
+    const auto previous = std::signal(SIGXFSZ, SIG_DFL);
+    // The program says by itself what went wrong.
+    auto* const category = QLoggingCategory::defaultCategory();
+    const bool warned = category->isWarningEnabled();
+    category->setEnabled(QtWarningMsg, false);
+    const auto restore = qScopeGuard([=] {
+        category->setEnabled(QtWarningMsg, warned);
+        std::signal(SIGXFSZ, previous);
+    });
+    return VLPlatformIndependent::openFile(path, arguments, application);
+}
+
+QStringList ProgramPlatform::getDirectFilesInDirectory(const QDir& directory) const
+{
+    m_countedFolders.fetch_add(1, std::memory_order_relaxed);
+    QStringList files = VLPlatformIndependent::getDirectFilesInDirectory(directory);
+    if (isExpectedIn(directory.path()) && !files.contains(m_expectedName))
+        files.append(m_expectedName);
+    return files;
+}
+
+bool ProgramPlatform::isExpectedIn(const QString& path) const
+{
+    if (!m_expectedDirectory || m_expectedName.startsWith(u'.'))
+        return false;
+    return path == m_expectedPath || *m_expectedDirectory == FileIdentity(path);
+}
+
+QStringList ProgramPlatform::getDirectSubdirectoriesInDirectory(const QDir& directory) const
+{
+    m_walkedFolders.fetch_add(1, std::memory_order_relaxed);
+    const QString path = directory.path();
+    if (path != m_rootPath) {
+        if (const QString folder = folderLedBackTo(path); !folder.isEmpty()) {
+            m_circles.append({ path, folder });
+            return {};
+        }
+    }
+    QStringList names = VLPlatformIndependent::getDirectSubdirectoriesInDirectory(directory);
+    names.removeIf([this](const QString& name) { return isExcluded(name); });
+    return names;
+}
+
+void ProgramPlatform::listingIncomplete(const QDir& directory, ListingProblem problem,
+                                        int systemError) const
+{
+    QList<IncompleteListing>& listings = m_incomplete[directory.path()];
+    const IncompleteListing listing { problem, systemError };
+    if (!listings.contains(listing))
+        listings.append(listing);
+}
+
+// Every pattern is tried: each says whether it matched anything.
+bool ProgramPlatform::isExcluded(const QString& name) const
+{
+    bool excluded = false;
+    for (Exclusion& exclusion : m_exclusions) {
+        if (exclusion.expression.match(name).hasMatch()) {
+            exclusion.matched = true;
+            excluded = true;
+        }
+    }
+    return excluded;
+}
