@@ -381,7 +381,7 @@ struct Callers
     QLatin1StringView outer;
 };
 
-// Where Qt 6.4.2 and 6.8.2 end the process for want of memory, and the library needs that call.
+// Where Qt up to 6.11.2 ends the process for want of memory, and the library needs that call.
 constexpr std::array deathsInQt {
     // Does not check what malloc() returns when it makes room for a connection.
     Callers { "QObject::connect("_L1, "QTextStream::QTextStream("_L1 },
@@ -394,6 +394,8 @@ constexpr std::array deathsInQt {
     Callers { "__cxa_throw"_L1, "QLoggingCategory::init("_L1 },
     // A list made of an initializer list is not checked; once in a process.
     Callers { "QGregorianCalendar::nameList("_L1, "QCalendar::QCalendar("_L1 },
+    // Qt 6.11.2 asks for the settings of the system in a function that is noexcept.
+    Callers { "QSystemLocale::query("_L1, "QLocaleData::groupSizes("_L1 },
     // The C library gives up when a thread cannot have a destructor; once in a thread.
     Callers { "abort"_L1, "__libc_fatal"_L1 },
     Callers { "abort"_L1, "__cxa_thread_atexit_impl"_L1 },

@@ -13,11 +13,13 @@ public:
         : m_previous(geteuid())
     {
         constexpr uid_t nobody = 65534;
-        m_active = m_previous != 0 || seteuid(nobody) == 0;
+        // Some calls ask for the rights of the real user.
+        m_active = m_previous != 0 || (setreuid(nobody, uid_t(-1)) == 0 && seteuid(nobody) == 0);
     }
     ~UnprivilegedUser()
     {
-        if (geteuid() != m_previous && seteuid(m_previous) != 0)
+        if (geteuid() != m_previous
+            && (seteuid(m_previous) != 0 || setreuid(m_previous, uid_t(-1)) != 0))
             qFatal("The rights of the superuser do not come back");
     }
     Q_DISABLE_COPY_MOVE(UnprivilegedUser)

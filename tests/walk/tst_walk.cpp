@@ -211,7 +211,8 @@ void tst_walk::initTestCase()
 
 void tst_walk::init()
 {
-    QTest::failOnWarning(QRegularExpression(u".?"_s));
+    // Newer Qt says with each application object that the C library lacks the locale.
+    QTest::failOnWarning(QRegularExpression(u"^(?!Detected locale )"_s));
 }
 
 void tst_walk::context_data()
