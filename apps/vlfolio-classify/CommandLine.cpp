@@ -24,6 +24,7 @@ struct ActionRow
 constexpr std::array actionTable {
     ActionRow { "help"_L1, CommandLine::Action::Help },
     ActionRow { "version"_L1, CommandLine::Action::Version },
+    ActionRow { "page"_L1, CommandLine::Action::Page },
     ActionRow { "list"_L1, CommandLine::Action::List },
     ActionRow { "json"_L1, CommandLine::Action::Json },
     ActionRow { "summary"_L1, CommandLine::Action::Summary },
@@ -123,8 +124,10 @@ QString readOpening(const QCommandLineParser& parser, CommandLine& commandLine)
     const bool open = parser.isSet(u"open"_s);
     if (open && parser.isSet(u"no-open"_s))
         return u"--open and --no-open do not go together"_s;
-    if (open && commandLine.action != CommandLine::Action::Report)
-        return u"--open goes with a report only"_s;
+    if (open && commandLine.action != CommandLine::Action::Report
+        && commandLine.action != CommandLine::Action::Page) {
+        return u"--open goes with a report or a page only"_s;
+    }
     if (open)
         commandLine.opening = CommandLine::Opening::Always;
     else if (parser.isSet(u"no-open"_s))
@@ -161,6 +164,15 @@ QString readTypes(const QCommandLineParser& parser, CommandLine& commandLine)
         commandLine.types.append(*type);
     }
     return {};
+}
+
+QString readPage(const QCommandLineParser& parser, CommandLine& commandLine)
+{
+    const QStringList files = parser.values(u"page"_s);
+    if (files.size() > 1)
+        return u"--page is given more than once"_s;
+    commandLine.page = files.value(0);
+    return files == QStringList { QString() } ? u"--page needs a file"_s : QString();
 }
 
 QString readWhy(const QCommandLineParser& parser, CommandLine& commandLine)
@@ -254,8 +266,8 @@ std::optional<CommandLine> CommandLine::parse(const QStringList& arguments, QStr
         && (commandLine.action == Action::Help || commandLine.action == Action::Version)) {
         return commandLine;
     }
-    constexpr std::array readers { readOpening,  readOutput, readTypes,   readWhy,
-                                   readExcluded, readLocale, readOperands };
+    constexpr std::array readers { readOpening, readOutput,   readPage,   readTypes,
+                                   readWhy,     readExcluded, readLocale, readOperands };
     for (const auto& read : readers) {
         if (error->isEmpty())
             *error = read(parser, commandLine);

@@ -13,7 +13,7 @@
 struct CommandLine
 {
     /// What the program does.
-    enum class Action { Report, List, Json, Summary, Explain, Locales, Help, Version };
+    enum class Action { Report, Page, List, Json, Summary, Explain, Locales, Help, Version };
     /// When the report is opened: if there is a desktop, never, or in any case.
     enum class Opening { Desktop, Never, Always };
 
@@ -21,6 +21,8 @@ struct CommandLine
     Opening opening = Opening::Desktop;
     /// Only folders of these types, for List, Json and Summary; all if empty.
     QList<VLEventFolderType> types;
+    /// The file for Page.
+    QString page;
     /// Whether each line of List ends with the reason for the type.
     bool why = false;
     /// Patterns of the names of folders that are left out.

@@ -9,7 +9,7 @@ namespace {
 
 struct TypeWords
 {
-    VLEventFolderTypeEnum type;
+    VLEventFolderTypeEnum type = VLEventFolderTypeEnum::Unknown;
     /// Why a folder is of this type by itself.
     QLatin1StringView ground;
     /// A folder of this type, as the subject of a sentence.
@@ -91,7 +91,7 @@ FolderReasons::Reason FolderReasons::reason() const
     const QFileInfo directory = result.directory();
     const VLEventFolderType ownType = m_classifier.eventFolderType(directory).classification();
     return { ownType, testsMet(m_classifier, directory.fileName()),
-             reasonText(ownType, typeAbove, result.classification()) };
+             reasonText(ownType, typeAbove, result.classification()), m_path.size() - 1 };
 }
 
 QStringList FolderReasons::testsMet(const VLFolioEventClassifier& classifier, const QString& name)

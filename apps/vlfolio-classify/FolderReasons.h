@@ -21,6 +21,8 @@ public:
         QStringList tests;
         /// Both in words, and what the folder above made of it.
         QString text;
+        /// How many folders it lies in, up to the root of the walk.
+        qsizetype depth = 0;
     };
 
     /// \param root the root of the walk.

@@ -24,6 +24,9 @@ inline constexpr std::array optionTable {
     OptionRow { "output"_L1, "PATH"_L1,
                 "Write the report to this file, or into this directory, instead of into "
                 "DIRECTORY."_L1 },
+    OptionRow { "page"_L1, "FILE"_L1,
+                "Write no report; write this HTML page to look at, with the reason for each type, "
+                "a chart and a search."_L1 },
     OptionRow { "list"_L1, ""_L1, "Write no report; print a line for each folder."_L1 },
     OptionRow { "json"_L1, ""_L1,
                 "Write no report; print a JSON object for each folder, one a line."_L1 },

@@ -2,6 +2,7 @@
 
 #include "GivenPath.h"
 #include "Markup.h"
+#include "Opening.h"
 #include "ProgramPlatform.h"
 #include "Progress.h"
 #include "Terminal.h"
@@ -17,13 +18,8 @@
 #include <QtCore/QTextStream>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 #include <utility>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -48,37 +44,12 @@ QString reportPathFor(const CommandLine& commandLine, const QString& rootPath)
     return isFolder ? QDir(path).filePath(name) : path;
 }
 
-// Why no report can come to lie there, or an empty string. A link or a pipe that someone has put
-// under the report's name is replaced; one that the user names is more likely a mistake.
-QString obstacle(const QString& reportPath, bool isGiven)
-{
-    const QByteArray name = QFile::encodeName(reportPath);
-    struct stat status = {};
-    const bool isThere = lstat(name.constData(), &status) == 0;
-    if (isThere && S_ISDIR(status.st_mode))
-        return u"a directory has that name; rename or remove it"_s;
-    if (isThere && isGiven && !S_ISREG(status.st_mode))
-        return u"what has that name is no file; remove it or give another name"_s;
-    // A walk may take long: this is better known before it.
-    const QByteArray folder = QFile::encodeName(QFileInfo(reportPath).absolutePath() + u"/."_s);
-    return faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) == 0
-        ? QString()
-        : Terminal::errorText(errno);
-}
-
 // Writes what was gathered in \a text. False when that fell short.
 bool passOn(QString& text, QFile& file)
 {
-    QByteArray bytes = text.toUtf8();
+    const QByteArray bytes = text.toUtf8();
     text.clear();
-    // Only a write that writes nothing tells why.
-    while (!bytes.isEmpty()) {
-        const qint64 written = file.write(bytes);
-        if (written <= 0)
-            return false;
-        bytes.remove(0, written);
-    }
-    return true;
+    return WholeFile::writeAll(file, bytes);
 }
 
 // The report as renderToFile() writes it, which does not notice when a write falls short. Not from
@@ -120,26 +91,15 @@ QString replaceReport(const Results& results, int rootPathLength, const QString&
     return report.commit();
 }
 
-bool hasDesktop()
+// Says that a browser would run some of the names in the report.
+void tellMarkup(CommandLine::Opening opening, const QStringList& foldersWithMarkup)
 {
-#if defined(Q_OS_MACOS)
-    return true;
-#else
-    return !qEnvironmentVariableIsEmpty("DISPLAY")
-        || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
-#endif
-}
-
-// Whether the report is to be opened. Says so when it is not because of the names in it.
-bool isToBeOpened(CommandLine::Opening opening, const QStringList& foldersWithMarkup)
-{
-    const bool byDefault = opening == CommandLine::Opening::Desktop;
     if (!foldersWithMarkup.isEmpty()) {
         Terminal::complain(Markup::sentence(foldersWithMarkup)
-                           + (byDefault ? u"; only --open opens the report"_s : QString()));
+                           + (opening == CommandLine::Opening::Desktop
+                                  ? u"; only --open opens the report"_s
+                                  : QString()));
     }
-    return opening == CommandLine::Opening::Always
-        || (byDefault && hasDesktop() && foldersWithMarkup.isEmpty());
 }
 
 } // namespace
@@ -153,7 +113,7 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
         Terminal::complain(u"cannot write the report %1: %2"_s.arg(reportPath, reason));
         return EXIT_FAILURE;
     };
-    if (const QString reason = obstacle(reportPath, !commandLine.output.isEmpty());
+    if (const QString reason = WholeFile::obstacle(reportPath, !commandLine.output.isEmpty());
         !reason.isEmpty()) {
         return fail(reason);
     }
@@ -175,11 +135,9 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
 
     Terminal::writeLine(reportPath);
     const bool isPrinted = Terminal::flush();
-    if (isToBeOpened(commandLine.opening, Markup::folders(results, rootPath)))
-        platform.allowOpening();
-    const bool isOpened = platform.openFile(reportPath, {}, {});
-    if (!isOpened)
-        Terminal::complain(u"cannot open the report %1"_s.arg(reportPath));
-    const bool isWanted = commandLine.opening == CommandLine::Opening::Always;
-    return isPrinted && (isOpened || !isWanted) ? EXIT_SUCCESS : EXIT_FAILURE;
+    const QStringList foldersWithMarkup = Markup::folders(results, rootPath);
+    tellMarkup(commandLine.opening, foldersWithMarkup);
+    const bool isOpened = openWritten(platform, u"report"_s, reportPath, commandLine.opening,
+                                      foldersWithMarkup.isEmpty());
+    return isPrinted && isOpened ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -2,7 +2,6 @@
 
 #include "Terminal.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QRandomGenerator>
 
@@ -131,19 +130,36 @@ QString WholeFile::commit()
     const int file = openat(m_directory, fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
     const bool isInPlace = file >= 0 && isSentOff(file)
         && renameat(m_directory, fileName, m_parent, m_name.constData()) == 0;
-    const QString error = isInPlace ? QString() : Terminal::errorText(errno);
+    QString error = isInPlace ? QString() : Terminal::errorText(errno);
     closeIfOpen(file);
     return error;
 }
 
-QString WholeFile::obstacle(const QString& path)
+QString WholeFile::obstacle(const QString& path, bool isGiven)
 {
     const QByteArray name = QFile::encodeName(path);
     struct stat status = {};
-    const bool isThere = stat(name.constData(), &status) == 0;
-    if (path.endsWith(u'/') || (isThere && S_ISDIR(status.st_mode)))
-        return u"it is a directory"_s;
-    return isThere && !S_ISREG(status.st_mode) ? u"what has that name is no file"_s : QString();
+    const bool isThere = lstat(name.constData(), &status) == 0;
+    if (isThere && S_ISDIR(status.st_mode))
+        return u"a directory has that name; rename or remove it"_s;
+    if (isThere && isGiven && !S_ISREG(status.st_mode))
+        return u"what has that name is no file; remove it or give another name"_s;
+    const QByteArray folder = QFile::encodeName(QFileInfo(path).absolutePath() + u"/."_s);
+    return faccessat(AT_FDCWD, folder.constData(), W_OK | X_OK, AT_EACCESS) == 0
+        ? QString()
+        : Terminal::errorText(errno);
+}
+
+bool WholeFile::writeAll(QFile& file, const QByteArray& bytes)
+{
+    // Only a write that writes nothing tells why.
+    qint64 written = 0;
+    for (qint64 sum = 0; sum < bytes.size(); sum += written) {
+        written = file.write(bytes.constData() + sum, bytes.size() - sum);
+        if (written <= 0)
+            return false;
+    }
+    return true;
 }
 
 // Sets errno where that fails.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QtCore/QByteArray>
+#include <QtCore/QFile>
 #include <QtCore/QString>
 
 /// Puts a file in the place of another in one step: whoever looks finds the old one or the new one,
@@ -27,9 +28,14 @@ public:
     /// Puts what was written in place. Returns why that failed, or an empty string.
     [[nodiscard]] QString commit();
 
-    /// Why nothing should be put in the place of what lies at \a path, a directory or a device such
-    /// as /dev/stdout; empty for a file, a link to one, and nothing.
-    [[nodiscard]] static QString obstacle(const QString& path);
+    /// Why no file can come to lie at \a path, or an empty string; for those who do much before
+    /// they write. A link or a pipe that someone has put there is replaced. If the path \a isGiven
+    /// by the user, it is more likely a mistake.
+    [[nodiscard]] static QString obstacle(const QString& path, bool isGiven);
+
+    /// Writes \a bytes to \a file, which must be unbuffered. Where that falls short, returns false,
+    /// and the file knows why.
+    [[nodiscard]] static bool writeAll(QFile& file, const QByteArray& bytes);
 
 private:
     [[nodiscard]] bool makeDirectory();

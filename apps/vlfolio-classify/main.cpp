@@ -1,6 +1,7 @@
 #include "ClassifyCommands.h"
 #include "CommandLine.h"
 #include "GivenPath.h"
+#include "PageCommand.h"
 #include "ReportCommand.h"
 #include "Terminal.h"
 
@@ -41,9 +42,14 @@ int runOnDirectory(const CommandLine& commandLine)
             u"cannot classify %1: %2"_s.arg(rootPath.startsWith(u'/') ? rootPath : given, problem));
         return EXIT_FAILURE;
     }
-    return commandLine.action == CommandLine::Action::Report
-        ? ReportCommand::run(commandLine, rootPath)
-        : ClassifyCommands::printFolders(commandLine, rootPath);
+    switch (commandLine.action) {
+    case CommandLine::Action::Report:
+        return ReportCommand::run(commandLine, rootPath);
+    case CommandLine::Action::Page:
+        return PageCommand::run(commandLine, rootPath);
+    default:
+        return ClassifyCommands::printFolders(commandLine, rootPath);
+    }
 }
 
 int run(const CommandLine& commandLine)

@@ -1,6 +1,7 @@
 #include "Browser.h"
 
 #include <QtCore/QFileInfo>
+#include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QStandardPaths>
@@ -36,6 +37,18 @@ QStringList arguments(const QString& home)
 }
 
 } // namespace
+
+QByteArray outputOfProgram(const QStringList& arguments)
+{
+    QProcess program;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
+    program.setProcessEnvironment(environment);
+    program.start(QStringLiteral(VLFOLIO_PROGRAM), arguments);
+    if (!program.waitForFinished(patience) || program.exitCode() != 0)
+        qFatal("The program fails: %s", program.readAllStandardError().constData());
+    return program.readAllStandardOutput();
+}
 
 QString Browser::program()
 {
@@ -76,20 +89,28 @@ void Browser::open(const QString& path)
     const QJsonObject result = call(u"Page.navigate"_s, { { u"url"_s, url } });
     if (result.contains(u"errorText"))
         qFatal("%s", qPrintable(result[u"errorText"].toString()));
-    call(u"Runtime.evaluate"_s,
-         { { u"expression"_s,
-             u"new Promise(done => document.readyState === 'complete'"
-             " ? done(true) : addEventListener('load', () => done(true)))"_s },
-           { u"awaitPromise"_s, true } });
+    evaluate(u"new Promise(done => document.readyState === 'complete'"
+             " ? done(true) : addEventListener('load', () => done(true)))"_s);
 }
 
 QJsonValue Browser::evaluate(const QString& expression)
 {
-    const QJsonObject result = call(
-        u"Runtime.evaluate"_s, { { u"expression"_s, expression }, { u"returnByValue"_s, true } });
+    const QJsonObject result = call(u"Runtime.evaluate"_s,
+                                    { { u"expression"_s, expression },
+                                      { u"returnByValue"_s, true },
+                                      { u"awaitPromise"_s, true } });
     if (result.contains(u"exceptionDetails"))
         qFatal("%s", QJsonDocument(result).toJson().constData());
     return result[u"result"][u"value"];
+}
+
+void Browser::setMedia(const QString& colourScheme, bool onPaper)
+{
+    const QJsonObject scheme { { u"name"_s, u"prefers-color-scheme"_s },
+                               { u"value"_s, colourScheme } };
+    call(u"Emulation.setEmulatedMedia"_s,
+         { { u"media"_s, onPaper ? u"print"_s : QString() },
+           { u"features"_s, QJsonArray { scheme } } });
 }
 
 QByteArray Browser::picture(const QSize& size)
@@ -99,6 +120,9 @@ QByteArray Browser::picture(const QSize& size)
            { u"height"_s, size.height() },
            { u"deviceScaleFactor"_s, 1 },
            { u"mobile"_s, false } });
+    // What has come into sight is drawn with the next frame.
+    evaluate(u"new Promise(done => requestAnimationFrame(() => requestAnimationFrame("
+             "() => done(true))))"_s);
     const QJsonObject result = call(u"Page.captureScreenshot"_s);
     call(u"Emulation.clearDeviceMetricsOverride"_s);
     return QByteArray::fromBase64(result[u"data"].toString().toLatin1());

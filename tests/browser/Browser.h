@@ -6,7 +6,12 @@
 #include <QtCore/QProcess>
 #include <QtCore/QSize>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 #include <QtCore/QTemporaryDir>
+
+/// What the program that is tested prints, run with \a arguments in the locale C.UTF-8. Ends the
+/// test program when it fails.
+[[nodiscard]] QByteArray outputOfProgram(const QStringList& arguments);
 
 /// Chromium without a window, with one page, steered through its own debugging protocol. What it
 /// cannot do ends the test program.
@@ -23,8 +28,11 @@ public:
     /// Shows the file \a path, and returns once it is loaded.
     void open(const QString& path);
 
-    /// What the script \a expression comes to in the page.
-    [[nodiscard]] QJsonValue evaluate(const QString& expression);
+    /// What the script \a expression comes to in the page; a promise, once it is settled.
+    QJsonValue evaluate(const QString& expression);
+
+    /// Shows pages as on a screen in that colour scheme, "light" or "dark", or as on paper.
+    void setMedia(const QString& colourScheme, bool onPaper = false);
 
     /// The page in a window of this size, as a PNG file.
     [[nodiscard]] QByteArray picture(const QSize& size);

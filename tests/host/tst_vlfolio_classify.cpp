@@ -440,7 +440,7 @@ void tst_vlfolio_classify::refuses_data()
     addWrong("type_with_report", u"--type Day pics"_s, typeAlone);
     addWrong("type_with_explain", u"--type Day --explain pics"_s, typeAlone);
 
-    const QString openAlone = u"--open goes with a report only"_s;
+    const QString openAlone = u"--open goes with a report or a page only"_s;
     const QString outputAlone = u"--output goes with a report only"_s;
     addWrong("open_and_no_open", u"--no-open --open pics"_s,
              u"--open and --no-open do not go together"_s);

@@ -10,15 +10,15 @@ _vlfolio_classify() {
     elif [ "$previous" = = ]; then
         previous=${COMP_WORDS[COMP_CWORD - 2]}
     fi
-    options='--open --no-open --output --list --json --summary --why --type --exclude --explain'
-    options+=' --locale --locales -h --help -v --version'
+    options='--open --no-open --output --page --list --json --summary --why --type --exclude'
+    options+=' --explain --locale --locales -h --help -v --version'
     case $previous in
     --type)
         words='Unknown Root Year Month Day Event ProjectFolder'
         before=${current%"${current##*,}"}
         ;;
     --locale) words=$("${COMP_WORDS[0]}" --locales 2>/dev/null) ;;
-    --output)
+    --output | --page)
         compopt -o default 2>/dev/null
         ;;
     esac

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "FolderReasons.h"
+
+#include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
+
+#include <QtCore/QFile>
+#include <QtCore/QList>
+#include <QtCore/QString>
+
+/// The outcome of a walk as one HTML page, for people to look at: how many folders and files there
+/// are of each type and of each year, and the tree of all folders with the reason for each type.
+///
+/// It is safe to open whatever the folders are called: their names are escaped, and the page lets
+/// nothing load or run but its own style and script.
+class FolderPage
+{
+public:
+    struct Folder
+    {
+        VLEventFolderClassificationResult result;
+        FolderReasons::Reason reason;
+        qsizetype fileCount = 0;
+        /// What of it is left out, and why; empty for a folder that is complete.
+        QString omission;
+    };
+
+    /// \param folders all of the walk below \a rootPath, in its order. Kept by reference.
+    FolderPage(const QString& rootPath, const QList<Folder>& folders);
+
+    /// Writes the page to \a file, which must be unbuffered. Where that falls short, returns false,
+    /// and the file knows why.
+    [[nodiscard]] bool write(QFile& file) const;
+
+private:
+    QString m_rootPath;
+    const QList<Folder>& m_folders;
+};
