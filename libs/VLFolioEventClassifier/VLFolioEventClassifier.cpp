@@ -1,7 +1,9 @@
 #include "VLFolioEventClassifier.h"
 
 #include "VLClassificationResultsRendererHTML.h"
+#include "VLNameLook_p.h"
 #include "VLOwnFileInfo_p.h"
+#include "VLSameDirectory_p.h"
 
 #include <VLCore/VLKomma_p.h>
 #include <VLCore/VLLogger.h>
@@ -11,17 +13,14 @@
 #include <QtCore/QCoreApplication>
 #include <QtCore/QDate>
 #include <QtCore/QDir>
-#include <QtCore/QFile>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
 #include <QtCore/QStringList>
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <memory>
 #include <new>
-#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -35,9 +34,6 @@ constexpr QLatin1StringView photoLibraryPrefix("photokit");
 constexpr std::array formatTypes { QLocale::LongFormat, QLocale::ShortFormat,
                                    QLocale::NarrowFormat };
 constexpr std::array dateFormats { Qt::TextDate, Qt::RFC2822Date };
-
-// What the least demanding of the date expressions asks for: two digits, two and two.
-constexpr qsizetype shortestShapeDigits = 6;
 
 struct ContextRule
 {
@@ -87,84 +83,6 @@ bool isDayName(const QLocale& locale, const QString& name, QLocale::FormatType f
     return false;
 }
 
-bool isDayName(const QLocale& locale, const QString& name)
-{
-    return std::any_of(formatTypes.cbegin(), formatTypes.cend(),
-                       [&locale, &name](QLocale::FormatType formatType) {
-                           return isDayName(locale, name, formatType);
-                       });
-}
-
-// A date is written with all the punctuation of its format, which few names have.
-bool holdsPunctuationOf(const QString& format, const QString& name)
-{
-    constexpr QStringView punctuation = u",./-";
-    return std::all_of(format.cbegin(), format.cend(), [&name, punctuation](QChar character) {
-        return !punctuation.contains(character) || name.contains(character);
-    });
-}
-
-// How many numbers a date of this format has at least: of the fields for year, month and day those
-// that are written in digits. The text in quotes is no field.
-int numbersIn(const QString& format)
-{
-    const QStringList parts = format.split(u'\'');
-    QString fields;
-    for (qsizetype i = 0; i < parts.size(); i += 2)
-        fields += parts.at(i) + u' ';
-    const auto isNumber = [&fields](QChar letter) {
-        const QString nameOfMonthOrDay(3, letter);
-        return fields.contains(letter) && !fields.contains(nameOfMonthOrDay);
-    };
-    return int(fields.contains(u'y')) + int(isNumber(u'M')) + int(isNumber(u'd'));
-}
-
-bool isLocalDate(const QLocale& locale, const QString& name, qsizetype digitCount)
-{
-    // Most locales have one format for two of the types, and a parse costs up to two microseconds.
-    QStringList tried;
-    return std::any_of(formatTypes.cbegin(), formatTypes.cend(),
-                       [&locale, &name, &tried, digitCount](QLocale::FormatType formatType) {
-                           const QString format = locale.dateFormat(formatType);
-                           if (digitCount < numbersIn(format) || tried.contains(format)
-                               || !holdsPunctuationOf(format, name)) {
-                               return false;
-                           }
-                           tried.append(format);
-                           return toDate(locale, name, formatType).isValid();
-                       });
-}
-
-bool isFixedFormatDate(const QString& name)
-{
-    return std::any_of(dateFormats.cbegin(), dateFormats.cend(), [&name](Qt::DateFormat format) {
-        return QDate::fromString(name, format).isValid();
-    });
-}
-
-struct DigitCount
-{
-    qsizetype ascii = 0;
-    qsizetype all = 0;
-};
-
-// Counts the decimal digits, those of other scripts and beyond the basic plane included.
-DigitCount countDigits(const QString& name)
-{
-    DigitCount count;
-    for (qsizetype i = 0; i < name.size(); ++i) {
-        const QChar unit = name.at(i);
-        if (unit >= u'0' && unit <= u'9')
-            ++count.ascii;
-        char32_t character = unit.unicode();
-        if (unit.isHighSurrogate() && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
-            character = QChar::surrogateToUcs4(unit, name.at(++i));
-        if (QChar::isDigit(character))
-            ++count.all;
-    }
-    return count;
-}
-
 // A search that lacked memory says "invalid" and nothing else. Only text that is not UTF-16 cannot
 // be searched otherwise: the patterns are good.
 bool isFound(const QRegularExpressionMatch& match, const QString& name)
@@ -190,20 +108,6 @@ QRegularExpression compiled(const QString& pattern)
     return expression;
 }
 
-bool holdsDateShape(const QString& name)
-{
-    // The vertical bars are separators like the other characters of the class.
-    static const VLRegularExpression expressionYearMonthDay(
-        uR"(\d{4}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
-    static const VLRegularExpression expressionDayMonthYear(
-        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{4})"_s, QRegularExpression::NoPatternOption);
-    static const VLRegularExpression expressionTwoCharYearAndDay(
-        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
-
-    return isFound(expressionYearMonthDay, name) || isFound(expressionDayMonthYear, name)
-        || isFound(expressionTwoCharYearAndDay, name);
-}
-
 QStringList namesOfMonths(const QLocale& locale)
 {
     QStringList names;
@@ -217,60 +121,33 @@ QStringList namesOfMonths(const QLocale& locale)
     return names;
 }
 
-// True for names that no file system takes for one: some do not tell upper case from lower case, or
-// one normal form of Unicode from the other.
-bool areOtherNames(QStringView first, QStringView second)
+bool isRoot(const QFileInfo& directory, const QFileInfo& root)
 {
-    const auto isAscii = [](QChar unit) { return unit.unicode() < 0x80; };
-    return std::all_of(first.cbegin(), first.cend(), isAscii)
-        && std::all_of(second.cbegin(), second.cend(), isAscii)
-        && first.compare(second, Qt::CaseInsensitive) != 0;
+    return !VLSameDirectory::areCertainlyDifferent(directory, root) && directory == root;
 }
 
-// True when the canonical path of the directory ends with its own name.
-bool keepsItsName(const QFileInfo& directory, const QString& name)
+// The recursion of the walk takes stack for each level of a tree, which may be two thousand deep,
+// and a thread may have half a megabyte. So what a level does by itself stays out of its frame.
+
+// Not made of an initializer list, which crashes where there is no memory for it.
+Q_NEVER_INLINE QList<VLEventFolderClassificationResult>
+resultsStartingWith(const QFileInfo& directory, VLFolioEventClassifier& classifier,
+                    const VLEventFolderClassificationResult& parentResult)
 {
-    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !directory.isSymLink();
+    QList<VLEventFolderClassificationResult> results;
+    results.append(classifier.contextDependentEventFolderType(directory, parentResult));
+    return results;
 }
 
-// QFileInfo compares canonical paths, at the cost of a system call for each component of a path.
-// This finds most directories different without one: what was no link when it was listed keeps its
-// name in its canonical path. Two paths of different files have different canonical paths, too.
-// Everything else is for QFileInfo to decide.
-bool isCertainlyAnother(const QFileInfo& directory, const QFileInfo& root)
+Q_NEVER_INLINE void appendTo(QList<VLEventFolderClassificationResult>& results,
+                             QList<VLEventFolderClassificationResult>&& subtree)
 {
-    // One path is one directory, even if that comes and goes between two looks at it.
-    if (directory.filePath() == root.filePath())
-        return false;
-    if (!directory.isNativePath() || !root.isNativePath())
-        return false;
-    const QString name = directory.fileName();
-    const QString rootPath = root.canonicalFilePath();
-    if (rootPath.isEmpty())
-        return false;
-    if (keepsItsName(directory, name)
-        && areOtherNames(name, QStringView(rootPath).mid(rootPath.lastIndexOf(u'/') + 1))) {
-        return true;
-    }
-    // QFileInfo may remember where a directory was that is gone.
-    const std::filesystem::path path(QFile::encodeName(directory.filePath()).constData());
-    const std::filesystem::path canonicalRoot(QFile::encodeName(rootPath).constData());
-    std::error_code error;
-    return std::filesystem::exists(path, error)
-        && !std::filesystem::equivalent(path, canonicalRoot, error);
+    results.append(std::move(subtree));
 }
-
-// One level of the walk. It lives on the heap, and what works on it is not inlined: a tree may be
-// two thousand levels deep, and a thread may have half a megabyte of stack.
-struct Level
-{
-    VLEventFolderClassificationResult result;
-    QFileInfoList subdirectories;
-};
 
 // In the order of QDir::Name. A path is not joined by QDir, which takes a name such as ":name" for
 // that of a resource.
-QFileInfoList subdirectoriesOf(const QFileInfo& directory)
+Q_NEVER_INLINE QFileInfoList subdirectoriesOf(const QFileInfo& directory)
 {
     const QDir dir(directory.absoluteFilePath());
     const QStringList names =
@@ -287,30 +164,6 @@ QFileInfoList subdirectoriesOf(const QFileInfo& directory)
     for (const QString& name : std::as_const(sorted))
         subdirectories.append(QFileInfo(path + name));
     return subdirectories;
-}
-
-Q_NEVER_INLINE std::unique_ptr<const Level>
-levelOf(VLFolioEventClassifier& classifier, const QFileInfo& directory,
-        const VLEventFolderClassificationResult& parentResult)
-{
-    return std::make_unique<const Level>(
-        Level { classifier.contextDependentEventFolderType(directory, parentResult),
-                subdirectoriesOf(directory) });
-}
-
-// Appends: a list made of an initializer list crashes where there is no memory for it.
-Q_NEVER_INLINE QList<VLEventFolderClassificationResult>
-startingWith(const VLEventFolderClassificationResult& result)
-{
-    QList<VLEventFolderClassificationResult> results;
-    results.append(result);
-    return results;
-}
-
-Q_NEVER_INLINE void moveTo(QList<VLEventFolderClassificationResult>& results,
-                           QList<VLEventFolderClassificationResult>&& subtree)
-{
-    results.append(std::move(subtree));
 }
 
 } // namespace
@@ -356,10 +209,11 @@ VLFolioEventClassifier::eventFolderTypes(const QFileInfo& directory,
     if (QCoreApplication::closingDown())
         return {};
 
-    const std::unique_ptr<const Level> level = levelOf(*this, directory, parentResult);
-    QList<VLEventFolderClassificationResult> results = startingWith(level->result);
-    for (const QFileInfo& subdirectory : level->subdirectories)
-        moveTo(results, eventFolderTypes(subdirectory, level->result));
+    QList<VLEventFolderClassificationResult> results =
+        resultsStartingWith(directory, *this, parentResult);
+    const QFileInfoList subdirectories = subdirectoriesOf(directory);
+    for (const QFileInfo& subdirectory : subdirectories)
+        appendTo(results, eventFolderTypes(subdirectory, results.constFirst()));
     return results;
 }
 
@@ -375,7 +229,7 @@ VLEventFolderClassificationResult VLFolioEventClassifier::contextDependentEventF
 VLEventFolderClassificationResult
 VLFolioEventClassifier::eventFolderType(const QFileInfo& directory) const
 {
-    if (!isCertainlyAnother(directory, rootDirectory) && directory == rootDirectory)
+    if (isRoot(directory, rootDirectory))
         return { directory, VLEventFolderTypeEnum::Root };
     if (directory.absoluteFilePath().startsWith(photoLibraryPrefix, Qt::CaseSensitive))
         return { directory, VLEventFolderTypeEnum::Event };
@@ -407,23 +261,38 @@ bool VLFolioEventClassifier::matchesApplePhotos(const QString& path) const
 
 bool VLFolioEventClassifier::matchesDate(const QString& name) const
 {
-    // Only the answer counts, not the order: what costs least comes first.
-    const DigitCount digits = countDigits(name);
-    if (digits.ascii >= shortestShapeDigits && holdsDateShape(name))
-        return true;
+    const VLNameLook look(name);
+    QList<QLocale> locales;
+    locales.append(QLocale());
+    // One locale would give the same answers twice.
+    if (const QLocale system = QLocale::system(); system != locales.constFirst())
+        locales.append(system);
 
-    const QLocale defaultLocale;
-    const QLocale systemLocale = QLocale::system();
-    // One locale gives the same answer twice.
-    const bool isOneLocale = defaultLocale == systemLocale;
-    // No language names a day with two digits.
-    if (digits.all < 2
-        && (isDayName(defaultLocale, name) || (!isOneLocale && isDayName(systemLocale, name)))) {
-        return true;
+    for (const QLocale& locale : std::as_const(locales)) {
+        for (const QLocale::FormatType formatType : formatTypes) {
+            if (!look.cannotBeDateIn(locale.dateFormat(formatType))
+                && toDate(locale, name, formatType).isValid())
+                return true;
+            if (!look.cannotBeDayName(formatType) && isDayName(locale, name, formatType))
+                return true;
+        }
     }
-    return isLocalDate(defaultLocale, name, digits.all)
-        || (!isOneLocale && isLocalDate(systemLocale, name, digits.all))
-        || (digits.all >= 2 && isFixedFormatDate(name));
+    for (const Qt::DateFormat format : dateFormats) {
+        if (!look.cannotBeFixedFormatDate() && QDate::fromString(name, format).isValid())
+            return true;
+    }
+
+    if (look.cannotHoldDateShape())
+        return false;
+    // The vertical bars are separators like the other characters of the class.
+    static const VLRegularExpression expressionYearMonthDay(
+        uR"(\d{4}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
+    static const VLRegularExpression expressionDayMonthYear(
+        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{4})"_s, QRegularExpression::NoPatternOption);
+    static const VLRegularExpression expressionTwoCharYearAndDay(
+        uR"(\d{2}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
+    return isFound(expressionYearMonthDay, name) || isFound(expressionDayMonthYear, name)
+        || isFound(expressionTwoCharYearAndDay, name);
 }
 
 bool VLFolioEventClassifier::matchesMonth(const QString& name) const
@@ -436,10 +305,8 @@ bool VLFolioEventClassifier::matchesMonth(const QString& name) const
 bool VLFolioEventClassifier::matchesYear(const QString& name) const
 {
     static const QRegularExpression expression = compiled(uR"(2\d{3})"_s);
-    // Most names have no such digit, and even a failing search costs more than this look.
-    if (!name.contains(u'2'))
-        return false;
-    return isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
+    return !VLNameLook(name).cannotHoldYear()
+        && isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
                                     QRegularExpression::NoMatchOption),
                    name);
 }

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QtCore/QLocale>
+#include <QtCore/QString>
+
+/// What one look at a folder name tells of it. Every question is answered by "certainly not" or by
+/// "perhaps": each saves a test that could not hold, and none decides anything. Without them the
+/// answers would be the same.
+class VLNameLook
+{
+public:
+    explicit VLNameLook(const QString& name);
+
+    /// No language names a day with two digits, with more than 26 UTF-16 code units or, in the
+    /// narrow format, with more than 8; the bounds leave room for half as many again.
+    [[nodiscard]] bool cannotBeDayName(QLocale::FormatType formatType) const
+    {
+        return m_digits >= 2 || m_size > (formatType == QLocale::NarrowFormat ? 12 : 39);
+    }
+
+    /// A date has a digit for each field of \a format that is written in digits, and all of its
+    /// punctuation and blanks.
+    [[nodiscard]] bool cannotBeDateIn(const QString& format) const;
+
+    /// Qt::TextDate and Qt::RFC2822Date have a day and a year in digits, and three words.
+    [[nodiscard]] bool cannotBeFixedFormatDate() const { return m_digits < 2 || m_blanks < 2; }
+
+    /// The least demanding shape of a date has six digits and two separators.
+    [[nodiscard]] bool cannotHoldDateShape() const { return m_asciiDigits < 6 || m_separators < 2; }
+
+    /// A year has four digits, one of which is a 2.
+    [[nodiscard]] bool cannotHoldYear() const { return m_asciiDigits < 4 || !m_holdsTwo; }
+
+private:
+    void lookAtAscii(char16_t unit);
+
+    qsizetype m_size = 0;
+    qsizetype m_asciiDigits = 0;
+    // Those of all scripts.
+    qsizetype m_digits = 0;
+    qsizetype m_blanks = 0;
+    // What may part the numbers of a date's shape.
+    qsizetype m_separators = 0;
+    // A bit for each of the characters that date formats part their fields with.
+    unsigned m_punctuation = 0;
+    bool m_holdsTwo = false;
+};

@@ -1,0 +1,61 @@
+#include "VLSameDirectory_p.h"
+
+#include <VLCore/VLKomma_p.h>
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QStringView lastComponent(const QString& path)
+{
+    return QStringView(path).mid(path.lastIndexOf(u'/') + 1);
+}
+
+// No file system folds these together: both are ASCII, and they differ in more than case.
+bool neverSameName(QStringView first, QStringView second)
+{
+    const auto isAscii = [](QChar unit) { return unit.unicode() < 0x80; };
+    return std::all_of(first.cbegin(), first.cend(), isAscii)
+        && std::all_of(second.cbegin(), second.cend(), isAscii)
+        && first.compare(second, Qt::CaseInsensitive) != 0;
+}
+
+// True when the canonical path of the directory ends with its own name.
+bool keepsItsName(const QFileInfo& directory, QStringView name)
+{
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !directory.isSymLink();
+}
+
+// Asks the system for both files. QFileInfo may remember where a directory was that is gone.
+bool areDifferentFiles(const QString& directoryPath, const QString& rootPath)
+{
+    const std::filesystem::path path(QFile::encodeName(directoryPath).constData());
+    const std::filesystem::path root(QFile::encodeName(rootPath).constData());
+    std::error_code error;
+    return std::filesystem::exists(path, error) && !std::filesystem::equivalent(path, root, error);
+}
+
+} // namespace
+
+// QFileInfo compares canonical paths. What is no link keeps its name in its canonical path, and two
+// paths of different files have different canonical paths.
+bool VLSameDirectory::areCertainlyDifferent(const QFileInfo& directory, const QFileInfo& root)
+{
+    const QString path = directory.filePath();
+    // One path is one directory, even if that comes and goes between two looks at it.
+    if (path == root.filePath() || !directory.isNativePath() || !root.isNativePath())
+        return false;
+    const QString rootPath = root.canonicalFilePath();
+    if (rootPath.isEmpty())
+        return false;
+    const QStringView name = lastComponent(path);
+    if (neverSameName(name, lastComponent(rootPath)) && keepsItsName(directory, name))
+        return true;
+    return areDifferentFiles(path, rootPath);
+}
