@@ -157,8 +157,71 @@ long vlFailingCallCount()
     return count;
 }
 
-// Each calls the function of the same name that stands behind it.
+// The function of the same name that stands behind, in its several forms.
+#define FAILING_OPEN(name)                                                                         \
+    int name(const char* path, int flags, ...)                                                     \
+    {                                                                                              \
+        va_list arguments;                                                                         \
+        va_start(arguments, flags);                                                                \
+        const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;                    \
+        va_end(arguments);                                                                         \
+        using Function = int (*)(const char*, int, ...);                                           \
+        return failsAt("open", path) ? -1 : original<Function>(#name)(path, flags, mode);          \
+    }
+#define FAILING_STAT_BY_PATH(name, Data)                                                           \
+    int name(const char* path, struct Data* data) noexcept                                         \
+    {                                                                                              \
+        using Function = int (*)(const char*, struct Data*);                                       \
+        return failsAt("stat", path) ? -1 : original<Function>(#name)(path, data);                 \
+    }
+#define FAILING_STAT_BY_DESCRIPTOR(name, Data)                                                     \
+    int name(int descriptor, struct Data* data) noexcept                                           \
+    {                                                                                              \
+        using Function = int (*)(int, struct Data*);                                               \
+        return fails("stat", descriptor) ? -1 : original<Function>(#name)(descriptor, data);       \
+    }
+#define FAILING_STAT_IN_DIRECTORY(name, Data)                                                      \
+    int name(int directory, const char* path, struct Data* data, int flags) noexcept               \
+    {                                                                                              \
+        using Function = int (*)(int, const char*, struct Data*, int);                             \
+        return fails("stat", directory, path)                                                      \
+            ? -1                                                                                   \
+            : original<Function>(#name)(directory, path, data, flags);                             \
+    }
+
 extern "C" {
+
+FAILING_OPEN(open)
+FAILING_OPEN(open64)
+FAILING_STAT_BY_PATH(stat, stat)
+FAILING_STAT_BY_PATH(stat64, stat64)
+FAILING_STAT_BY_PATH(lstat, stat)
+FAILING_STAT_BY_PATH(lstat64, stat64)
+FAILING_STAT_BY_DESCRIPTOR(fstat, stat)
+FAILING_STAT_BY_DESCRIPTOR(fstat64, stat64)
+FAILING_STAT_IN_DIRECTORY(fstatat, stat)
+FAILING_STAT_IN_DIRECTORY(fstatat64, stat64)
+
+int openat(int directory, const char* path, int flags, ...)
+{
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    using Function = int (*)(int, const char*, int, ...);
+    return fails("open", directory, path)
+        ? -1
+        : original<Function>("openat")(directory, path, flags, mode);
+}
+
+int statx(int directory, const char* path, int flags, unsigned int mask,
+          struct statx* data) noexcept
+{
+    using Function = int (*)(int, const char*, int, unsigned int, struct statx*);
+    return fails("stat", directory, path)
+        ? -1
+        : original<Function>("statx")(directory, path, flags, mask, data);
+}
 
 int access(const char* path, int mode) noexcept
 {
@@ -186,42 +249,6 @@ ssize_t getdents64(int descriptor, void* entries, std::size_t size) noexcept
     return used;
 }
 
-int open(const char* path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return failsAt("open", path) ? -1 : original<decltype(&open)>("open")(path, flags, mode);
-}
-
-int open64(const char* path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return failsAt("open", path) ? -1 : original<decltype(&open)>("open64")(path, flags, mode);
-}
-
-int openat(int directory, const char* path, int flags, ...)
-{
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return fails("open", directory, path)
-        ? -1
-        : original<decltype(&openat)>("openat")(directory, path, flags, mode);
-}
-
-ssize_t readlink(const char* path, char* target, std::size_t size) noexcept
-{
-    return failsAt("readlink", path)
-        ? -1
-        : original<decltype(&readlink)>("readlink")(path, target, size);
-}
-
 char* realpath(const char* path, char* resolved) noexcept
 {
     return failsAt("realpath", path) ? nullptr
@@ -235,67 +262,6 @@ char* __realpath_chk(const char* path, char* resolved, std::size_t size) noexcep
     return failsAt("realpath", path)
         ? nullptr
         : original<decltype(&__realpath_chk)>("__realpath_chk")(path, resolved, size);
-}
-
-int stat(const char* path, struct stat* data) noexcept
-{
-    using Function = int (*)(const char*, struct stat*);
-    return failsAt("stat", path) ? -1 : original<Function>("stat")(path, data);
-}
-
-int stat64(const char* path, struct stat64* data) noexcept
-{
-    using Function = int (*)(const char*, struct stat64*);
-    return failsAt("stat", path) ? -1 : original<Function>("stat64")(path, data);
-}
-
-int lstat(const char* path, struct stat* data) noexcept
-{
-    using Function = int (*)(const char*, struct stat*);
-    return failsAt("stat", path) ? -1 : original<Function>("lstat")(path, data);
-}
-
-int lstat64(const char* path, struct stat64* data) noexcept
-{
-    using Function = int (*)(const char*, struct stat64*);
-    return failsAt("stat", path) ? -1 : original<Function>("lstat64")(path, data);
-}
-
-int fstat(int descriptor, struct stat* data) noexcept
-{
-    using Function = int (*)(int, struct stat*);
-    return fails("stat", descriptor) ? -1 : original<Function>("fstat")(descriptor, data);
-}
-
-int fstat64(int descriptor, struct stat64* data) noexcept
-{
-    using Function = int (*)(int, struct stat64*);
-    return fails("stat", descriptor) ? -1 : original<Function>("fstat64")(descriptor, data);
-}
-
-int fstatat(int directory, const char* path, struct stat* data, int flags) noexcept
-{
-    using Function = int (*)(int, const char*, struct stat*, int);
-    return fails("stat", directory, path)
-        ? -1
-        : original<Function>("fstatat")(directory, path, data, flags);
-}
-
-int fstatat64(int directory, const char* path, struct stat64* data, int flags) noexcept
-{
-    using Function = int (*)(int, const char*, struct stat64*, int);
-    return fails("stat", directory, path)
-        ? -1
-        : original<Function>("fstatat64")(directory, path, data, flags);
-}
-
-int statx(int directory, const char* path, int flags, unsigned int mask,
-          struct statx* data) noexcept
-{
-    using Function = int (*)(int, const char*, int, unsigned int, struct statx*);
-    return fails("stat", directory, path)
-        ? -1
-        : original<Function>("statx")(directory, path, flags, mask, data);
 }
 
 int unlink(const char* path) noexcept

@@ -3,11 +3,10 @@
 /// Calls of the system that can be told to fail. A shared library that takes the place of the C
 /// library's functions: in a program that is linked with it, and in one that it is preloaded into.
 /// The environment variable VLFOLIO_FAILING_CALL, "CALL FIRST LAST ERROR DIRECTORY", arms it at
-/// the program's begin; the line "failed PATH" on standard error tells then which call has failed
-/// first.
+/// the program's begin; the line "failed" on standard error tells then that a call has failed.
 ///
-/// The calls are "access", "close", "getdents64", "open", "readlink", "realpath", "stat" (in all
-/// its forms), "unlink" and "write". Those of the C library within itself do not count. "kind" lets
+/// The calls are "access", "close", "getdents64", "open", "realpath", "stat" (in all its forms),
+/// "unlink" and "write". Those of the C library within itself do not count. "kind" lets
 /// "getdents64" go on without telling file types, as on some file systems. "compile" and "search"
 /// are those of regular expressions, which lack memory then; "expression" is their directory.
 extern "C" {
