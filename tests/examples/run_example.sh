@@ -13,4 +13,5 @@ done
 cd "$work/collection"
 PATH=$work/bin:$PATH "$1" "$work/collection" >"$work/printed" 2>&1 || echo "it ended with $?"
 find . -type f | sed 's|^\./|file: |' >>"$work/printed"
-diff "$2" <(sed "s|$work||" "$work/printed")
+# How often a program tells its progress depends on the machine.
+diff "$2" <(sed -e "s|$work||" -e "/ so far\$/d" "$work/printed")
