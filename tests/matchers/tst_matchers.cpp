@@ -199,6 +199,7 @@ QList<TypeRow> localeDateRows()
         { "english_wrong_day_of_the_week", u"Monday, July 14, 2019"_s, Type::Year },
         { "english_long_date_and_text", u"Sunday, July 14, 2019 Beach"_s, Type::Year },
         { "english_short_date", u"7/14/19"_s, Type::Day, InEnglish },
+        { "date_and_blank", u"7/14/19 "_s, Type::Unknown },
         { "two_digit_year_is_not_of_2000", u"2/29/00"_s, Type::Unknown },
         { "two_digit_year_is_of_1900", u"2/28/00"_s, Type::Day, InEnglish },
         { "two_digit_leap_year", u"2/29/04"_s, Type::Day, InEnglish },
