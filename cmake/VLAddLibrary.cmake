@@ -30,7 +30,6 @@ function(vl_add_library name)
         target_compile_definitions(${name} PUBLIC VL_STATIC)
     endif()
     set_target_properties(${name} PROPERTIES
-        CXX_EXTENSIONS OFF
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
@@ -38,6 +37,9 @@ function(vl_add_library name)
         SOVERSION ${PROJECT_VERSION_MAJOR}
         VERIFY_INTERFACE_HEADER_SETS ${PROJECT_IS_TOP_LEVEL}
     )
+    if(PROJECT_IS_TOP_LEVEL)
+        vl_precompile(${name} ${name})
+    endif()
     # VLCore needs nothing beside it.
     if(arg_PUBLIC_LIBRARIES MATCHES "VLCore")
         vl_set_run_path(${name} "")

@@ -7,7 +7,7 @@ function(vl_add_test name)
 
     set(target tst_${name})
     add_executable(${target} ${arg_SOURCES})
-    set_target_properties(${target} PROPERTIES AUTOMOC ON CXX_EXTENSIONS OFF)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON)
     target_link_libraries(${target} PRIVATE
         VLProjectOptions
         VLTestSupport
@@ -18,36 +18,13 @@ function(vl_add_test name)
     if(TARGET VLQtForTsan)
         target_link_libraries(${target} PRIVATE VLQtForTsan)
     endif()
-    if(NOT arg_LIBRARIES)
-        vl_precompile_qt(${target} VL_FIRST_TEST)
-    endif()
+    vl_precompile(${target} tests)
     if(NOT arg_LOCALES)
         vl_add_test_entry(${name} ${target} C.UTF-8)
     endif()
     foreach(locale IN LISTS arg_LOCALES)
         vl_add_test_entry(${name}.${locale} ${target} ${locale})
     endforeach()
-endfunction()
-
-# Most of a test's time in the compiler goes into Qt's headers. They are compiled once for all targets
-# that name the same property, and are compiled with the same flags and definitions.
-function(vl_precompile_qt target property)
-    get_property(first GLOBAL PROPERTY ${property})
-    if(first)
-        target_precompile_headers(${target} REUSE_FROM ${first})
-        return()
-    endif()
-    target_precompile_headers(${target} PRIVATE
-        <QtCore/QCoreApplication>
-        <QtCore/QDir>
-        <QtCore/QLocale>
-        <QtCore/QRegularExpression>
-        <QtCore/QTemporaryDir>
-        <QtCore/QTextStream>
-        <QtTest/QTest>
-        <thread>
-    )
-    set_property(GLOBAL PROPERTY ${property} ${target})
 endfunction()
 
 function(vl_add_test_entry entry target locale)

@@ -23,3 +23,24 @@ target_compile_definitions(VLProjectOptions INTERFACE
     # Messages carry file, line and function in Release builds, too.
     QT_MESSAGELOGCONTEXT
 )
+
+# Most of the compiler's time goes into Qt's headers. They are compiled once for the targets of a group,
+# all of which are compiled with the same options.
+function(vl_precompile target group)
+    get_property(first GLOBAL PROPERTY VL_PRECOMPILED_${group})
+    if(first)
+        target_precompile_headers(${target} REUSE_FROM ${first})
+        return()
+    endif()
+    target_precompile_headers(${target} PRIVATE
+        <QtCore/QCoreApplication>
+        <QtCore/QDir>
+        <QtCore/QLocale>
+        <QtCore/QRegularExpression>
+        <QtCore/QTextStream>
+    )
+    if(group STREQUAL "tests")
+        target_precompile_headers(${target} PRIVATE <QtCore/QTemporaryDir> <QtTest/QTest> <thread>)
+    endif()
+    set_property(GLOBAL PROPERTY VL_PRECOMPILED_${group} ${target})
+endfunction()
