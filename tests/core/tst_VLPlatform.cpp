@@ -3,20 +3,14 @@
 
 #include <VLPlatform_p.h>
 
+#include <RawDirectory.h>
 #include <UnprivilegedUser.h>
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QScopeGuard>
-#include <QtCore/QTemporaryDir>
 #include <QtTest/QTest>
 
 #include <cerrno>
 #include <memory>
 #include <new>
-
-#include <sys/stat.h>
-#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -31,12 +25,6 @@ constexpr bool isMac = true;
 #else
 constexpr bool isMac = false;
 #endif
-
-void writeFile(const QString& path)
-{
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
-}
 
 QStringList sorted(QStringList names)
 {
@@ -53,9 +41,9 @@ QStringList problemsOf(const Listing& listing)
     return lines;
 }
 
-QString line(ListingProblem kind, int error)
+QStringList line(ListingProblem kind, int error)
 {
-    return u"%1 %2"_s.arg(int(kind)).arg(error);
+    return { u"%1 %2"_s.arg(int(kind)).arg(error) };
 }
 
 } // namespace
@@ -71,28 +59,30 @@ private Q_SLOTS:
     void openCommand();
     void listing_data();
     void listing();
-    void missingDirectory();
-    void fileInPlaceOfDirectory();
+    void noDirectory_data();
+    void noDirectory();
     void danglingLinksAreNoProblem();
     void earlierErrorsDoNotCount();
-    void closedDirectory_data();
-    void closedDirectory();
+    void permissions_data();
+    void permissions();
     void undecodableFolder_data();
     void undecodableFolder();
     void undecodableFileIsListedAndNotTold();
     void eachProblemOnce();
 
 private:
-    QString path(const QString& name) const { return m_directory->filePath(name); }
-    Listing listed(Wanted wanted) const { return VLPlatform::listing(m_directory->path(), wanted); }
+    [[nodiscard]] Listing listed(Wanted wanted, const QByteArray& name = {}) const
+    {
+        return VLPlatform::listing(m_tree->path(name), wanted);
+    }
 
-    std::unique_ptr<QTemporaryDir> m_directory;
+    std::unique_ptr<RawDirectory> m_tree;
 };
 
 void tst_VLPlatform::init()
 {
-    m_directory = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_directory->isValid());
+    m_tree = std::make_unique<RawDirectory>();
+    QVERIFY(m_tree->isValid());
 }
 
 void tst_VLPlatform::openCommand_data()
@@ -131,58 +121,75 @@ void tst_VLPlatform::listing_data()
     QTest::addColumn<Wanted>("wanted");
     QTest::addColumn<QStringList>("names");
 
-    // Qt, which lists on macOS, takes a link to a pipe for both.
-    const QStringList files { u"file"_s, u"linkToFile"_s };
-    QTest::newRow("files") << Wanted::Files
-                           << (isMac ? files + QStringList { u"linkToPipe"_s } : files);
-    QTest::newRow("directories") << Wanted::Directories
-                                 << QStringList { u"linkToPipe"_s, u"linkToSub"_s, u"sub"_s };
+    const QStringList links { u"linkToDevice"_s, u"linkToPipe"_s, u"linkToSocket"_s };
+    const QStringList files { u"file"_s, u"linkToFarFile"_s, u"linkToFile"_s, u"linkToHiddenFile"_s,
+                              u"linkToLink"_s };
+    const QStringList folders { u"folder"_s, u"linkToFolder"_s, u"linkToItsFolder"_s };
+    // Qt, which lists on macOS, takes links to what is neither for both.
+    QTest::newRow("files") << Wanted::Files << sorted(isMac ? files + links : files);
+    QTest::newRow("directories") << Wanted::Directories << sorted(folders + links);
 }
 
 void tst_VLPlatform::listing()
 {
     QFETCH(const Wanted, wanted);
-    writeFile(path(u"file"_s));
-    writeFile(path(u".hiddenFile"_s));
-    QVERIFY(QDir(m_directory->path()).mkpath(u"sub/below"_s));
-    QVERIFY(QDir(m_directory->path()).mkdir(u".hidden"_s));
-    QCOMPARE(mkfifo(QFile::encodeName(path(u"pipe"_s)).constData(), 0600), 0);
-    QVERIFY(QFile::link(u"file"_s, path(u"linkToFile"_s)));
-    QVERIFY(QFile::link(u"sub"_s, path(u"linkToSub"_s)));
-    QVERIFY(QFile::link(u"pipe"_s, path(u"linkToPipe"_s)));
-    QVERIFY(QFile::link(u"gone"_s, path(u"dangling"_s)));
-    QVERIFY(QFile::link(u"file/below"_s, path(u"linkThroughFile"_s)));
-    QVERIFY(QFile::link(u"circle"_s, path(u"circle"_s)));
+    RawDirectory elsewhere;
+    elsewhere.make({ "far" });
+    m_tree->make({ "file",
+                   ".hiddenFile",
+                   "folder/below/",
+                   "folder/inner",
+                   ".hiddenFolder/",
+                   "linkToFile -> file",
+                   "linkToLink -> linkToFile",
+                   "linkToHiddenFile -> .hiddenFile",
+                   "linkToFarFile -> " + elsewhere.bytes("far"),
+                   ".hiddenLink -> file",
+                   "linkToFolder -> folder",
+                   "linkToItsFolder -> .",
+                   "dangling -> gone",
+                   "linkThroughFile -> file/below",
+                   "circle -> circle",
+                   "linkToDevice -> /dev/null",
+                   "pipe|",
+                   "linkToPipe -> pipe",
+                   "socket=",
+                   "linkToSocket -> socket" });
+    QVERIFY2(m_tree->isValid(), m_tree->error());
     const Listing found = listed(wanted);
     QTEST(sorted(found.names), "names");
     QCOMPARE(problemsOf(found), QStringList());
 }
 
-void tst_VLPlatform::missingDirectory()
+void tst_VLPlatform::noDirectory_data()
 {
-    for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
-        const Listing found = VLPlatform::listing(path(u"missing"_s), wanted);
-        QCOMPARE(found.names, QStringList());
-        QCOMPARE(problemsOf(found), QStringList { line(ListingProblem::Unreadable, ENOENT) });
-    }
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QStringList>("problems");
+
+    const QStringList missing = line(ListingProblem::Unreadable, ENOENT);
+    QTest::newRow("empty") << QByteArray("empty") << QStringList();
+    QTest::newRow("missing") << QByteArray("missing") << missing;
+    QTest::newRow("below_a_missing_one") << QByteArray("missing/below") << missing;
+    QTest::newRow("dangling_link") << QByteArray("danglingLink") << missing;
+    QTest::newRow("file") << QByteArray("file") << QStringList();
+    QTest::newRow("link_to_a_file") << QByteArray("linkToFile") << QStringList();
 }
 
-void tst_VLPlatform::fileInPlaceOfDirectory()
+void tst_VLPlatform::noDirectory()
 {
-    writeFile(path(u"file"_s));
+    QFETCH(const QByteArray, name);
+    m_tree->make({ "empty/", "file", "danglingLink -> gone", "linkToFile -> file" });
     for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
-        const Listing found = VLPlatform::listing(path(u"file"_s), wanted);
-        QCOMPARE(found.names, QStringList());
-        QCOMPARE(problemsOf(found), QStringList());
+        QCOMPARE(listed(wanted, name).names, QStringList());
+        QTEST(problemsOf(listed(wanted, name)), "problems");
     }
 }
 
 // Each is an error that is none of the listing's, the last one too.
 void tst_VLPlatform::danglingLinksAreNoProblem()
 {
-    const QString names = u"abcdefgh"_s;
-    for (const QChar name : names)
-        QVERIFY(QFile::link(u"gone"_s, path(name)));
+    for (const char* name : { "a", "b", "c", "d", "e", "f", "g", "h" })
+        m_tree->link(name, "gone");
     for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
         QCOMPARE(listed(wanted).names, QStringList());
         QCOMPARE(problemsOf(listed(wanted)), QStringList());
@@ -191,7 +198,7 @@ void tst_VLPlatform::danglingLinksAreNoProblem()
 
 void tst_VLPlatform::earlierErrorsDoNotCount()
 {
-    writeFile(path(u"file"_s));
+    m_tree->make({ "file" });
     for (const int error : { ENOMEM, EIO }) {
         errno = error;
         const Listing found = listed(Wanted::Files);
@@ -200,44 +207,37 @@ void tst_VLPlatform::earlierErrorsDoNotCount()
     }
 }
 
-void tst_VLPlatform::closedDirectory_data()
+void tst_VLPlatform::permissions_data()
 {
-    QTest::addColumn<int>("mode");
+    QTest::addColumn<uint>("mode");
     QTest::addColumn<Wanted>("wanted");
     QTest::addColumn<QStringList>("names");
     QTest::addColumn<QStringList>("problems");
 
-    const QString unreadable = line(ListingProblem::Unreadable, EACCES);
-    const QString unsearchable = line(ListingProblem::Unsearchable, EACCES);
-    QTest::newRow("no_rights_files")
-        << 0000 << Wanted::Files << QStringList() << QStringList { unreadable };
-    QTest::newRow("no_rights_directories")
-        << 0000 << Wanted::Directories << QStringList() << QStringList { unreadable };
-    QTest::newRow("may_be_entered_only")
-        << 0111 << Wanted::Directories << QStringList() << QStringList { unreadable };
+    const QStringList none;
+    const QStringList unreadable = line(ListingProblem::Unreadable, EACCES);
+    const QStringList unsearchable = line(ListingProblem::Unsearchable, EACCES);
+    QTest::newRow("file_without_rights_is_listed")
+        << 0755U << Wanted::Files << QStringList { u"file"_s } << none;
+    QTest::newRow("no_rights_files") << 0000U << Wanted::Files << none << unreadable;
+    QTest::newRow("no_rights_directories") << 0000U << Wanted::Directories << none << unreadable;
+    QTest::newRow("may_be_entered_only") << 0111U << Wanted::Directories << none << unreadable;
+    QTest::newRow("may_be_written_only") << 0333U << Wanted::Files << none << unreadable;
     QTest::newRow("may_be_read_only_directories")
-        << 0444 << Wanted::Directories << QStringList { u"sub"_s } << QStringList { unsearchable };
+        << 0444U << Wanted::Directories << QStringList { u"sub"_s } << unsearchable;
 }
 
-void tst_VLPlatform::closedDirectory()
+void tst_VLPlatform::permissions()
 {
-    QFETCH(const int, mode);
+    QFETCH(const uint, mode);
     QFETCH(const Wanted, wanted);
-    const QString closed = path(u"closed"_s);
-    QVERIFY(QDir().mkpath(closed + u"/sub"_s));
-    writeFile(closed + u"/file"_s);
-    QVERIFY(QFile::link(u"sub"_s, closed + u"/link"_s));
-    QCOMPARE(chmod(QFile::encodeName(m_directory->path()).constData(), 0755), 0);
-    QCOMPARE(chmod(QFile::encodeName(closed).constData(), mode_t(mode)), 0);
-    const auto restore =
-        qScopeGuard([&closed] { chmod(QFile::encodeName(closed).constData(), 0755); });
-    Listing found;
-    {
-        const UnprivilegedUser user;
-        if (!user.isActive())
-            QSKIP("Needs a user without the superuser's rights");
-        found = VLPlatform::listing(closed, wanted);
-    }
+    m_tree->make({ "closed/sub/", "closed/file", "closed/link -> sub" });
+    m_tree->restrict("closed/file", 0000).restrict("", 0755).restrict("closed", mode_t(mode));
+    QVERIFY2(m_tree->isValid(), m_tree->error());
+    const UnprivilegedUser user;
+    if (!user.isActive())
+        QSKIP("Needs a user without the superuser's rights");
+    const Listing found = listed(wanted, "closed");
     QTEST(sorted(found.names), "names");
     QTEST(problemsOf(found), "problems");
 }
@@ -269,25 +269,19 @@ void tst_VLPlatform::undecodableFolder()
         QSKIP("The file systems of macOS take names in UTF-8 only");
     QFETCH(const QByteArray, name);
     QFETCH(const bool, told);
-    const QByteArray folder = QFile::encodeName(m_directory->path()) + '/' + name;
-    if (mkdir(folder.constData(), 0755) != 0)
+    if (m_tree->folder(name).lacksRawNames())
         QSKIP("This file system takes names in UTF-8 only");
-    // Qt does not remove it with the rest.
-    const auto remove = qScopeGuard([&folder] { rmdir(folder.constData()); });
     const Listing found = listed(Wanted::Directories);
     QTEST(found.names, "names");
-    const QStringList problems { line(ListingProblem::UndecodableName, 0) };
-    QCOMPARE(problemsOf(found), told ? problems : QStringList());
+    QCOMPARE(problemsOf(found), told ? line(ListingProblem::UndecodableName, 0) : QStringList());
 }
 
 void tst_VLPlatform::undecodableFileIsListedAndNotTold()
 {
     if (isMac)
         QSKIP("The file systems of macOS take names in UTF-8 only");
-    const QByteArray file = QFile::encodeName(m_directory->path()) + "/m\xFCnchen";
-    if (mknod(file.constData(), S_IFREG | 0600, 0) != 0)
+    if (m_tree->make({ "m\xFCnchen" }).lacksRawNames())
         QSKIP("This file system takes names in UTF-8 only");
-    const auto remove = qScopeGuard([&file] { unlink(file.constData()); });
     const Listing found = listed(Wanted::Files);
     QCOMPARE(found.names, QStringList { u"m\uFFFDnchen"_s });
     QCOMPARE(problemsOf(found), QStringList());
@@ -302,9 +296,8 @@ void tst_VLPlatform::eachProblemOnce()
     VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, EIO);
     VLPlatform::addProblem(listing, ListingProblem::Unreadable, EIO);
     QCOMPARE(problemsOf(listing),
-             (QStringList { line(ListingProblem::UnknownEntry, EIO),
-                            line(ListingProblem::UnknownEntry, EACCES),
-                            line(ListingProblem::Unreadable, EIO) }));
+             line(ListingProblem::UnknownEntry, EIO) + line(ListingProblem::UnknownEntry, EACCES)
+                 + line(ListingProblem::Unreadable, EIO));
     QVERIFY_THROWS_EXCEPTION(std::bad_alloc,
                              VLPlatform::addProblem(listing, ListingProblem::Unreadable, ENOMEM));
 }

@@ -139,18 +139,11 @@ private Q_SLOTS:
 
     void directFiles_data();
     void directFiles();
-    void nothingElseIsListed();
-    void directoryThatIsNoneListsNothing_data();
-    void directoryThatIsNoneListsNothing();
-    void unreadableDirectoryListsNothing_data();
-    void unreadableDirectoryListsNothing();
-    void unreadableFileIsListed();
     void relativeDirectoryIsTheOneInTheWorkingDirectory();
     void directoryThroughALinkIsListed();
     void filtersOfTheDirectoryAreIgnored_data();
     void filtersOfTheDirectoryAreIgnored();
     void filesOfAFileEngineAreListed();
-    void undecodableFileNameIsListed();
     void incompleteListingsAreTold();
     void workingDirectoryThatNoPathLeadsTo();
 
@@ -283,73 +276,6 @@ void tst_VLPlatformIndependent::directFiles()
     QCOMPARE(foldersIn(path()), QStringList());
 }
 
-void tst_VLPlatformIndependent::nothingElseIsListed()
-{
-    RawDirectory elsewhere;
-    elsewhere.make({ "far" });
-    m_tree->make({ "file", ".hidden", "directory/below/", "directory/inner", ".hiddenDirectory/",
-                   "linkToFile -> file", "linkToLink -> linkToFile", "linkToHiddenFile -> .hidden",
-                   "linkToFarFile -> " + elsewhere.bytes("far"), ".hiddenLink -> file",
-                   "linkToDirectory -> directory", "linkToItsDirectory -> .",
-                   "danglingLink -> missing", "linkInCircle -> linkInCircle",
-                   "linkToDevice -> /dev/null", "pipe|", "linkToPipe -> pipe", "socket=" });
-    QVERIFY2(m_tree->isValid(), m_tree->error());
-    QCOMPARE(filesIn(path()),
-             (QStringList { u"file"_s, u"linkToFarFile"_s, u"linkToFile"_s, u"linkToHiddenFile"_s,
-                            u"linkToLink"_s }));
-}
-
-void tst_VLPlatformIndependent::directoryThatIsNoneListsNothing_data()
-{
-    QTest::addColumn<QByteArray>("name");
-
-    QTest::newRow("empty") << QByteArray("empty");
-    QTest::newRow("missing") << QByteArray("missing");
-    QTest::newRow("below_a_missing_one") << QByteArray("missing/below");
-    QTest::newRow("regular_file") << QByteArray("file");
-    QTest::newRow("dangling_link") << QByteArray("danglingLink");
-    QTest::newRow("link_to_a_file") << QByteArray("linkToFile");
-}
-
-void tst_VLPlatformIndependent::directoryThatIsNoneListsNothing()
-{
-    QFETCH(const QByteArray, name);
-    m_tree->make({ "empty/", "file", "danglingLink -> gone", "linkToFile -> file" });
-    QVERIFY2(m_tree->isValid(), m_tree->error());
-    QCOMPARE(filesIn(path(name)), QStringList());
-    QCOMPARE(foldersIn(path(name)), QStringList());
-}
-
-void tst_VLPlatformIndependent::unreadableDirectoryListsNothing_data()
-{
-    QTest::addColumn<uint>("mode");
-    QTest::addColumn<QStringList>("files");
-
-    QTest::newRow("readable") << 0755U << QStringList { u"file"_s };
-    QTest::newRow("no_rights") << 0000U << QStringList();
-    QTest::newRow("may_be_entered_only") << 0111U << QStringList();
-    QTest::newRow("may_be_written_only") << 0333U << QStringList();
-}
-
-void tst_VLPlatformIndependent::unreadableDirectoryListsNothing()
-{
-    QFETCH(const uint, mode);
-    m_tree->make({ "closed/", "closed/file" }).restrict("", 0755).restrict("closed", mode_t(mode));
-    QVERIFY2(m_tree->isValid(), m_tree->error());
-    const UnprivilegedUser user;
-    if (!user.isActive())
-        QSKIP("Needs a user without the superuser's rights");
-    QTEST(filesIn(path("closed")), "files");
-}
-
-void tst_VLPlatformIndependent::unreadableFileIsListed()
-{
-    m_tree->make({ "secret" }).restrict("secret", 0000).restrict("", 0755);
-    QVERIFY2(m_tree->isValid(), m_tree->error());
-    const UnprivilegedUser user;
-    QCOMPARE(filesIn(path()), QStringList { u"secret"_s });
-}
-
 void tst_VLPlatformIndependent::relativeDirectoryIsTheOneInTheWorkingDirectory()
 {
     m_tree->make({ "sub/", "outer", "sub/inner" });
@@ -396,17 +322,6 @@ void tst_VLPlatformIndependent::filesOfAFileEngineAreListed()
     QCOMPARE(filesIn(QDir(u":/vl-test/listed"_s)), (QStringList { u"a.txt"_s, u"b.txt"_s }));
     QCOMPARE(filesIn(QDir(u":/vl-test/missing"_s)), QStringList());
     QCOMPARE(foldersIn(QDir(u":/vl-test"_s)), QStringList { u"listed"_s });
-}
-
-void tst_VLPlatformIndependent::undecodableFileNameIsListed()
-{
-    if (m_tree->make({ "a", "m\xFCnchen" }).lacksRawNames())
-        QSKIP("This file system takes names in UTF-8 only");
-    QVERIFY2(m_tree->isValid(), m_tree->error());
-    const HostService ofHost;
-    QCOMPARE(sorted(ofHost.getDirectFilesInDirectory(QDir(path()))),
-             (QStringList { u"a"_s, u"m\uFFFDnchen"_s }));
-    QCOMPARE(ofHost.told, QStringList());
 }
 
 void tst_VLPlatformIndependent::incompleteListingsAreTold()
