@@ -23,9 +23,6 @@ private Q_SLOTS:
     void needsNoWriteAccessToTheCollection();
     void opens_data();
     void opens();
-    void permissionsFollowTheUmask_data();
-    void permissionsFollowTheUmask();
-    void replacesOldPage();
     void refusedPlaces_data();
     void refusedPlaces();
     void oldPageStaysWhenTheNewOneDoesNotFit();
@@ -34,8 +31,6 @@ private Q_SLOTS:
     void directoriesOfOtherUsersStay();
     void excludedFoldersAreLeftOut();
     void collectionAtTheRootOfTheFileSystem();
-    void wrongUsage_data();
-    void wrongUsage();
 };
 
 namespace {
@@ -133,41 +128,6 @@ void tst_vlfolio_classify_page::opens()
     QCOMPARE(outcome.opened.isEmpty(), !isOpened);
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.exitCode, 0);
-}
-
-void tst_vlfolio_classify_page::permissionsFollowTheUmask_data()
-{
-    QTest::addColumn<unsigned>("umask");
-    QTest::addColumn<unsigned>("mode");
-
-    QTest::newRow("for_all_to_read") << 0022U << 0644U;
-    QTest::newRow("for_the_owner_alone") << 0077U << 0600U;
-}
-
-void tst_vlfolio_classify_page::permissionsFollowTheUmask()
-{
-    QFETCH(unsigned, umask);
-    QFETCH(unsigned, mode);
-    const PictureTree tree;
-    tree.addPictures();
-
-    const auto outcome = pageOf(tree, u"page.html"_s).before([umask] { ::umask(umask); }).run();
-
-    QCOMPARE(outcome.exitCode, 0);
-    struct stat status = {};
-    QCOMPARE(stat(QFile::encodeName(tree.path(u"page.html"_s)).constData(), &status), 0);
-    QCOMPARE(status.st_mode & 07777U, mode);
-}
-
-void tst_vlfolio_classify_page::replacesOldPage()
-{
-    const PictureTree tree;
-    tree.addPictures();
-    tree.addFile(u"page.html"_s, "old");
-
-    QCOMPARE(pageOf(tree, u"page.html"_s).run().exitCode, 0);
-
-    QVERIFY(tree.content(u"page.html"_s).startsWith("<!DOCTYPE html>"));
 }
 
 void tst_vlfolio_classify_page::refusedPlaces_data()
@@ -312,39 +272,6 @@ void tst_vlfolio_classify_page::collectionAtTheRootOfTheFileSystem()
     QVERIFY(page.contains("<li class=\"Root\"><bdi>/</bdi>"));
     QVERIFY(page.contains("<text y=\"17\">2019</text>"));
     QCOMPARE(tree.names(QString()), QStringList({ u"2019"_s, u"page.html"_s }));
-}
-
-void tst_vlfolio_classify_page::wrongUsage_data()
-{
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<QString>("reason");
-
-    QTest::newRow("with_json") << QStringList { u"--json"_s }
-                               << u"--page and --json do not go together"_s;
-    QTest::newRow("with_list") << QStringList { u"--list"_s }
-                               << u"--page and --list do not go together"_s;
-    QTest::newRow("with_output") << QStringList { u"--output"_s, u"x"_s }
-                                 << u"--output goes with a report only"_s;
-    QTest::newRow("with_a_type") << QStringList { u"--type"_s, u"Day"_s }
-                                 << u"--type goes with --list, --json or --summary only"_s;
-    QTest::newRow("with_reasons") << QStringList { u"--why"_s } << u"--why goes with --list only"_s;
-    QTest::newRow("twice") << QStringList { u"--page=x"_s } << u"--page is given more than once"_s;
-}
-
-void tst_vlfolio_classify_page::wrongUsage()
-{
-    QFETCH(QStringList, options);
-    QFETCH(QString, reason);
-    const PictureTree tree;
-    tree.addFolder(u"pics"_s);
-
-    const auto outcome = pageOf(tree, u"page.html"_s, options).run();
-
-    QCOMPARE(outcome.error,
-             u"vlfolio-classify: %1. Try 'vlfolio-classify --help'.\n"_s.arg(reason).toUtf8());
-    QCOMPARE(outcome.output, QByteArray());
-    QCOMPARE(outcome.exitCode, 2);
-    QVERIFY(!tree.exists(u"page.html"_s));
 }
 
 QTEST_GUILESS_MAIN(tst_vlfolio_classify_page)
