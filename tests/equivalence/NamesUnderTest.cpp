@@ -7,6 +7,7 @@
 #include <array>
 #include <random>
 #include <string_view>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -56,12 +57,6 @@ QString text(char32_t codePoint)
     return QString::fromUcs4(&codePoint, 1);
 }
 
-QString removed(const QString& name, Draw& draw)
-{
-    QString changed = name;
-    return name.isEmpty() ? name : changed.remove(draw.below(name.size()), 1);
-}
-
 QString cut(const QString& name, Draw& draw)
 {
     return name.left(draw.below(name.size() + 1));
@@ -71,30 +66,23 @@ QString swapped(const QString& name, Draw& draw)
 {
     if (name.size() < 2)
         return name;
-    QString changed = name;
     const qsizetype at = draw.below(name.size() - 1);
-    const QChar first = changed.at(at);
-    changed[at] = changed.at(at + 1);
-    changed[at + 1] = first;
+    QString changed = name;
+    std::swap(changed[at], changed[at + 1]);
     return changed;
 }
 
-QString replaced(const QString& name, Draw& draw)
-{
-    static const QStringList pieces { u"0"_s, u"7"_s, u"x"_s, u"/"_s, u"\u2044"_s,
-                                      u"-"_s, u"_"_s, u" "_s, u"."_s, u"\u202f"_s };
-    QString changed = name;
-    return name.isEmpty() ? name : changed.replace(draw.below(name.size()), 1, draw.oneOf(pieces));
-}
-
-QString inserted(const QString& name, Draw& draw)
+// One character is replaced, left out or followed by another.
+QString edited(const QString& name, Draw& draw)
 {
     static const QStringList pieces {
-        u"0"_s, u"1"_s,  u"9"_s,      u"a"_s,      u" "_s,      u"."_s,      u","_s,      u"|"_s,
-        u"-"_s, u"\t"_s, u"\u00a0"_s, u"\u200f"_s, u"\u200e"_s, u"\u0301"_s, u"\u00b2"_s, u"'"_s,
+        u""_s,       u"0"_s,      u"1"_s,      u"7"_s,      u"9"_s,      u"a"_s,
+        u"x"_s,      u"/"_s,      u"\u2044"_s, u"-"_s,      u"_"_s,      u" "_s,
+        u"."_s,      u","_s,      u"|"_s,      u"\t"_s,     u"\u202f"_s, u"\u00a0"_s,
+        u"\u200f"_s, u"\u200e"_s, u"\u0301"_s, u"\u00b2"_s, u"'"_s,
     };
     QString changed = name;
-    return changed.insert(draw.below(name.size() + 1), draw.oneOf(pieces));
+    return changed.replace(draw.below(name.size() + 1), draw.below(2), draw.oneOf(pieces));
 }
 
 // Digits of any script become those of another one, all or each by chance.
@@ -125,8 +113,8 @@ QString inOtherCase(const QString& name, Draw& draw)
     return draw.below(2) == 0 ? name.toLower() : name.toUpper();
 }
 
-constexpr std::array variations { removed,  cut,           swapped, replaced,
-                                  inserted, inOtherDigits, inWords, inOtherCase };
+constexpr std::array variations { cut,    swapped,       edited,  edited,
+                                  edited, inOtherDigits, inWords, inOtherCase };
 
 QStringList variationsOf(const QString& name, int rounds, Draw& draw)
 {
