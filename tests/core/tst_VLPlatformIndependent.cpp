@@ -118,11 +118,6 @@ private:
 static_assert(std::has_virtual_destructor_v<VLPlatformIndependent>);
 static_assert(!std::is_abstract_v<VLPlatformIndependent>);
 static_assert(!std::is_copy_constructible_v<VLPlatformIndependent>);
-static_assert(std::is_same_v<decltype(&VLPlatformIndependent::openFile),
-                             bool (VLPlatformIndependent::*)(const QString&, const QStringList&,
-                                                             const QString&)>);
-static_assert(std::is_same_v<decltype(&VLPlatformIndependent::getDirectFilesInDirectory),
-                             QStringList (VLPlatformIndependent::*)(const QDir&) const>);
 
 class tst_VLPlatformIndependent : public QObject
 {

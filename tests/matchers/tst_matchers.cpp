@@ -39,13 +39,6 @@ static_assert(std::is_copy_constructible_v<Classifier> && std::is_copy_assignabl
 static_assert(std::is_nothrow_move_constructible_v<Classifier>);
 static_assert(std::is_nothrow_move_assignable_v<Classifier>);
 
-using Predicate = bool (Classifier::*)(const QString&) const;
-static_assert(std::is_same_v<decltype(&Classifier::matchesProject), Predicate>);
-static_assert(std::is_same_v<decltype(&Classifier::matchesApplePhotos), Predicate>);
-static_assert(std::is_same_v<decltype(&Classifier::matchesDate), Predicate>);
-static_assert(std::is_same_v<decltype(&Classifier::matchesMonth), Predicate>);
-static_assert(std::is_same_v<decltype(&Classifier::matchesYear), Predicate>);
-
 namespace {
 
 /// In which locales a row holds.
