@@ -62,7 +62,7 @@ unsigned here()
         { u"ccp_BD"_s, InChakma },
     };
     for (const auto& [name, where] : names) {
-        if (name == QLocale::system().name())
+        if (name == QLocale().name())
             return where;
     }
     return 0;
@@ -428,9 +428,14 @@ private Q_SLOTS:
 void tst_matchers::initTestCase()
 {
     const QString wanted = qEnvironmentVariable("LC_ALL").section(u'.', 0, 0);
+#if defined(Q_OS_MACOS)
+    // There the language is a setting, which the environment does not change.
+    QLocale::setDefault(QLocale(wanted));
+#else
+    QCOMPARE(QLocale::system().name(), wanted);
+#endif
     if (here() == 0)
         QSKIP("The tables know C, en_US, de_DE, fr_FR, ja_JP, ar_EG and ccp_BD: set LC_ALL");
-    QCOMPARE(QLocale::system().name(), wanted);
     QCOMPARE(QLocale().name(), wanted);
     QCOMPARE(QLocale().zeroDigit().size(), here() == InChakma ? 2 : 1);
 }
@@ -632,7 +637,7 @@ private Q_SLOTS:
 void tst_matchers_fresh::init()
 {
     QTest::failOnWarning(QRegularExpression(u".?"_s));
-    QCOMPARE(QLocale::system().name(), u"en_US"_s);
+    QCOMPARE(QLocale().name(), u"en_US"_s);
 }
 
 void tst_matchers_fresh::monthsStayAndDaysFollow()
