@@ -1,8 +1,6 @@
 #pragma once
 
-#include "FolderReasons.h"
-
-#include <VLFolioEventClassifier/VLEventFolderClassificationResult.h>
+#include "PageFolder.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QList>
@@ -16,17 +14,8 @@
 class FolderPage
 {
 public:
-    struct Folder
-    {
-        VLEventFolderClassificationResult result;
-        FolderReasons::Reason reason;
-        qsizetype fileCount = 0;
-        /// What of it is left out, and why; empty for a folder that is complete.
-        QString omission;
-    };
-
     /// \param folders all of the walk below \a rootPath, in its order. Kept by reference.
-    FolderPage(const QString& rootPath, const QList<Folder>& folders);
+    FolderPage(const QString& rootPath, const QList<PageFolder>& folders);
 
     /// Writes the page to \a file, which must be unbuffered. Where that falls short, returns false,
     /// and the file knows why.
@@ -34,5 +23,5 @@ public:
 
 private:
     QString m_rootPath;
-    const QList<Folder>& m_folders;
+    const QList<PageFolder>& m_folders;
 };

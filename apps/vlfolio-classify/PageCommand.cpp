@@ -5,6 +5,7 @@
 #include "GivenPath.h"
 #include "IncompleteListing.h"
 #include "Opening.h"
+#include "PageFolder.h"
 #include "ProgramPlatform.h"
 #include "Progress.h"
 #include "Terminal.h"
@@ -31,7 +32,7 @@ QString omissionIn(const QString& path, const ProgramPlatform& platform)
     return reasons.join(u"; "_s);
 }
 
-QList<FolderPage::Folder> classified(const QString& rootPath, const ProgramPlatform& platform)
+QList<PageFolder> classified(const QString& rootPath, const ProgramPlatform& platform)
 {
     Progress progress(platform);
     const QFileInfo root(rootPath);
@@ -39,7 +40,7 @@ QList<FolderPage::Folder> classified(const QString& rootPath, const ProgramPlatf
         VLFolioEventClassifier(root).eventFolderTypes(root, VLEventFolderClassificationResult());
     progress.lookAgain("Counting files:", static_cast<int>(results.size()));
     FolderReasons reasons(root);
-    QList<FolderPage::Folder> folders;
+    QList<PageFolder> folders;
     folders.reserve(results.size());
     for (const VLEventFolderClassificationResult& result : results) {
         reasons.enter(result);
@@ -72,7 +73,7 @@ int PageCommand::run(const CommandLine& commandLine, const QString& rootPath)
     QString error = WholeFile::obstacle(pagePath, true);
     if (error.isEmpty()) {
         platform.expectFile(pagePath);
-        const QList<FolderPage::Folder> folders = classified(rootPath, platform);
+        const QList<PageFolder> folders = classified(rootPath, platform);
         platform.tellLeftOut();
         error = replacePage(FolderPage(rootPath, folders), pagePath);
     }
