@@ -3,6 +3,9 @@
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 
+#include <filesystem>
+#include <system_error>
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,6 +24,10 @@ PictureTree::~PictureTree()
     // What may not be entered cannot be removed.
     for (const QString& name : std::as_const(m_restricted))
         chmod(QFile::encodeName(path(name)).constData(), 0700);
+    // Qt 6.11 does not find names again that begin with a byte order mark.
+    m_directory.setAutoRemove(false);
+    std::error_code error;
+    std::filesystem::remove_all(QFile::encodeName(m_directory.path()).toStdString(), error);
 }
 
 void PictureTree::addFolder(const QString& name) const

@@ -428,12 +428,6 @@ private Q_SLOTS:
 void tst_matchers::initTestCase()
 {
     const QString wanted = qEnvironmentVariable("LC_ALL").section(u'.', 0, 0);
-#if defined(Q_OS_MACOS)
-    // There the language is a setting, which the environment does not change.
-    QLocale::setDefault(QLocale(wanted));
-#else
-    QCOMPARE(QLocale::system().name(), wanted);
-#endif
     if (here() == 0)
         QSKIP("The tables know C, en_US, de_DE, fr_FR, ja_JP, ar_EG and ccp_BD: set LC_ALL");
     QCOMPARE(QLocale().name(), wanted);
@@ -829,6 +823,10 @@ void tst_matchers_fresh::userSettings()
 
 int main(int argc, char* argv[])
 {
+#if defined(Q_OS_MACOS)
+    // There the language is a setting, which the environment does not change.
+    QLocale::setDefault(QLocale(qEnvironmentVariable("LC_ALL").section(u'.', 0, 0)));
+#endif
     return runUsualOrFresh<tst_matchers, tst_matchers_fresh>(argc, argv);
 }
 
