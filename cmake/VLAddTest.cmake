@@ -9,8 +9,6 @@ function(vl_add_test name)
     add_executable(${target} ${arg_SOURCES})
     set_target_properties(${target} PROPERTIES AUTOMOC ON)
     target_link_libraries(${target} PRIVATE
-        VLProjectOptions
-        VLTestSupport
         VLFolioEventClassifier::VLFolioEventClassifier
         Qt6::Test
         ${arg_LIBRARIES}
