@@ -40,43 +40,51 @@ namespace {
 
 // Reaches every test of a name: in the language of the host, in that of the system, in the fixed
 // formats of dates, in the three shapes, a link and a folder with the root's own name.
-const QByteArrayList entries {
-    "14 Jul 2019/",       "2019/05/05/",       "2019/05/14.07.2019/",
-    "2019/2020/",         "2019/Sommer/pics/", "2019/Sommer/2019-07-14/",
-    "Album_vlp-Dateien/", "Januar/",           "Montag/14.07.19/",
-    "Urlaub/Monday/",     "Link -> Urlaub",    "b.jpg",
-    "2019/a.jpg",         "2019/.\xff",        "2019/\xfe/",
-};
-const QByteArrayList walkedFolders {
-    " Root",
-    "/14 Jul 2019 Event",
-    "/2019 Year",
-    "/2019/05 Month",
-    "/2019/05/05 Event",
-    "/2019/05/14.07.2019 Event",
-    "/2019/2020 Event",
-    "/2019/Sommer Event",
-    "/2019/Sommer/2019-07-14 Day",
-    "/2019/Sommer/pics Unknown",
-    "/Album_vlp-Dateien ProjectFolder",
-    "/Januar Month",
-    "/Link Unknown",
-    "/Link/Monday Event",
-    "/Montag Event",
-    "/Montag/14.07.19 Day",
-    "/Urlaub Unknown",
-    "/Urlaub/Monday Event",
-};
+QByteArrayList entries()
+{
+    return {
+        "14 Jul 2019/",       "2019/05/05/",       "2019/05/14.07.2019/",
+        "2019/2020/",         "2019/Sommer/pics/", "2019/Sommer/2019-07-14/",
+        "Album_vlp-Dateien/", "Januar/",           "Montag/14.07.19/",
+        "Urlaub/Monday/",     "Link -> Urlaub",    "b.jpg",
+        "2019/a.jpg",         "2019/.\xff",        "2019/\xfe/",
+    };
+}
+
+QByteArrayList walkedFolders()
+{
+    return {
+        " Root",
+        "/14 Jul 2019 Event",
+        "/2019 Year",
+        "/2019/05 Month",
+        "/2019/05/05 Event",
+        "/2019/05/14.07.2019 Event",
+        "/2019/2020 Event",
+        "/2019/Sommer Event",
+        "/2019/Sommer/2019-07-14 Day",
+        "/2019/Sommer/pics Unknown",
+        "/Album_vlp-Dateien ProjectFolder",
+        "/Januar Month",
+        "/Link Unknown",
+        "/Link/Monday Event",
+        "/Montag Event",
+        "/Montag/14.07.19 Day",
+        "/Urlaub Unknown",
+        "/Urlaub/Monday Event",
+    };
+}
 
 bool isFull(const QString& root, const QList<VLEventFolderClassificationResult>& results)
 {
-    return lines(results, root) == walkedFolders;
+    return lines(results, root) == walkedFolders();
 }
 
 bool isFullReport(const QString& root)
 {
     QByteArrayList rows;
-    for (const QByteArray& folder : walkedFolders) {
+    const QByteArrayList folders = walkedFolders();
+    for (const QByteArray& folder : folders) {
         const qsizetype end = folder.lastIndexOf(' ');
         const QByteArray path = folder.first(end);
         const QByteArray count = path.isEmpty() ? "2" : path == "/2019" ? "1" : "0";
@@ -438,7 +446,8 @@ void tst_failing_allocations::attempts()
     // The root is called "pics" so that a folder below can have its name.
     RawDirectory tree;
     QByteArrayList all;
-    for (const QByteArray& entry : entries)
+    const QByteArrayList made = entries();
+    for (const QByteArray& entry : made)
         all.append("pics/" + entry);
     tree.make(all);
     VERIFY_MADE(tree);
@@ -450,11 +459,11 @@ void tst_failing_allocations::attempts()
                   { u"subject"_s, tree.path("pics"), call, temperature, extent, step });
     QVERIFY(subject.waitForFinished(-1));
     QCOMPARE(subject.exitCode(), EXIT_SUCCESS);
-    const QStringList told =
+    const QStringList printed =
         QString::fromUtf8(subject.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
-    QVERIFY(!told.isEmpty());
-    qInfo("%s", qPrintable(told.constLast()));
-    QVERIFY2(told.size() == 1, qPrintable(told.constFirst()));
+    QVERIFY(!printed.isEmpty());
+    qInfo("%s", qPrintable(printed.constLast()));
+    QVERIFY2(printed.size() == 1, qPrintable(printed.constFirst()));
 }
 
 int main(int argc, char* argv[])
