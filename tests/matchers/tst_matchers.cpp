@@ -144,6 +144,7 @@ QList<TypeRow> shapeRows()
         { "arabic_digits_have_no_shape", u"٢٠١٩-٠٧-١٤"_s, Type::Unknown },
         { "fullwidth_digits_have_no_shape", u"２０１９-０７-１４"_s, Type::Unknown },
         { "chakma_digits_have_no_shape", u"𑄸𑄶𑄷𑄿-𑄶𑄽-𑄷𑄺"_s, Type::Unknown },
+        { "arabic_shape_beside_ascii_digits", u"111111 ٢٠١٩-٠٧-١٤"_s, Type::Unknown },
         { "lone_surrogate_before", QChar(0xd83d) + u" 2019-07-14"_s, Type::Unknown },
         { "lone_surrogate_after", u"2019-07-14 "_s + QChar(0xde00), Type::Unknown },
         { "surrogate_pair_before_shape", u"😀 2019-07-14"_s, Type::Day },
@@ -310,6 +311,7 @@ QList<TypeRow> otherRows()
         { "parted_year", u"20 19"_s, Type::Unknown },
         { "year_in_arabic_digits", u"٢٠١٩"_s, Type::Unknown },
         { "arabic_digits_after_an_ascii_two", u"2٠١٩"_s, Type::Unknown },
+        { "arabic_digits_beside_ascii_digits", u"1111 2٠١٩"_s, Type::Unknown },
         { "year_in_fullwidth_digits", u"２０１９"_s, Type::Unknown },
         { "year_in_mathematical_digits", u"𝟐𝟎𝟏𝟗"_s, Type::Unknown },
         { "year_after_surrogate_pair", u"😀2019"_s, Type::Year },
@@ -538,7 +540,8 @@ void tst_matchers::separators()
 {
     QFETCH(const QString, text);
     QFETCH(const bool, parts);
-    for (const char* shape : { "3999%99%99", "99%99%3999", "99%99%99", "99%99-99", "99-99%99" }) {
+    for (const char* shape :
+         { "3999%99%99", "99%99%3999", "99%99%99", "99%99-99", "99-99%99", "- 99%99%99 -" }) {
         const QString name = QString::fromLatin1(shape).replace(u'%', text);
         QVERIFY2(answersFor(name).contains(u"date"_s) == parts, shape);
     }
@@ -573,6 +576,7 @@ void tst_matchers::namesOfDaysAndMonths_data()
     row("long_arabic_days", InArabic, u"date"_s,
         u"الاثنين الثلاثاء الأربعاء الخميس الجمعة السبت الأحد"_s);
     row("narrow_arabic_days", InArabic, u"date"_s, u"ن ث ر خ ج س ح"_s);
+    row("narrow_chakma_days", InChakma, u"date"_s, u"𑄥𑄧 𑄟𑄧 𑄝𑄪 𑄝𑄳𑄢𑄨 𑄥𑄪 𑄢𑄧"_s);
     row("short_chakma_days", InChakma, u"date"_s, u"𑄥𑄧𑄟𑄴 𑄟𑄧𑄁𑄉𑄧𑄣𑄴 𑄝𑄪𑄖𑄴 𑄝𑄳𑄢𑄨𑄥𑄪𑄛𑄴 𑄥𑄪𑄇𑄴𑄇𑄮𑄢𑄴 𑄥𑄧𑄚𑄨 𑄢𑄧𑄝𑄨"_s);
     row("long_english_months", InC | InEnglish, u"month"_s,
         u"January February March April May June July August September October November "
@@ -782,6 +786,9 @@ void tst_matchers_fresh::userSettings_data()
     row("hyphen", u"d-M"_s, u"4-7"_s);
     row("hyphen_missing", u"d-M"_s, u"4 7"_s, Type::Unknown);
     row("other_sign", u"d_M"_s, u"4_7"_s);
+    row("quote_within_quotes", u"'a''d' MMMM"_s, u"ad July"_s);
+    row("weekday_and_month", u"dddd MMMM"_s, u"Monday July"_s);
+    row("short_weekday_and_month", u"ddd MMMM"_s, u"Mon July"_s);
     row("unclosed_quote", u"MMMM d 'x"_s, u"July 4 x"_s);
     row("letters_that_are_no_fields", u"MMMM c e L N x z"_s, u"July c e L N x z"_s);
     row("full_stop_of_a_month_name", u"d MMM"_s, u"4 Jul."_s);
