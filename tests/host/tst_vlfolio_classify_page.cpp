@@ -2,6 +2,7 @@
 #include "PictureTree.h"
 
 #include <QtCore/QDateTime>
+#include <QtCore/QDir>
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtTest/QTest>
@@ -29,6 +30,7 @@ private Q_SLOTS:
     void leftOverDirectories_data();
     void leftOverDirectories();
     void directoriesOfOtherUsersStay();
+    void directoryOfAnotherUserIsNotUsed();
     void excludedFoldersAreLeftOut();
     void collectionAtTheRootOfTheFileSystem();
 };
@@ -235,6 +237,42 @@ void tst_vlfolio_classify_page::directoriesOfOtherUsersStay()
     QCOMPARE(pageOf(tree, u"page.html"_s).run().exitCode, 0);
 
     QVERIFY(tree.exists(name + u"/new"_s));
+}
+
+// Somebody else puts an own directory in the place of the private one, before each of the program's
+// calls. What is written there, its owner could change before it is put in place.
+void tst_vlfolio_classify_page::directoryOfAnotherUserIsNotUsed()
+{
+    if (geteuid() != 0)
+        QSKIP("Only the superuser can give a directory to another user.");
+    constexpr long oldTime = 86'400;
+    int refused = 0;
+    bool isDone = false;
+    for (long nth = 1; !isDone; ++nth) {
+        const PictureTree tree;
+        tree.addFolder(u"pics"_s);
+        const QString command =
+            u"%1 : >{}/ran; cd {}; for d in .vlfolio-*; do mv $d moved && mkdir $d "
+            "&& : >$d/kept && chown 4711 $d && touch -d @%2 $d; done"_s;
+
+        const auto outcome =
+            pageOf(tree, u"page.html"_s)
+                .preloading(QStringLiteral(VLFOLIO_COMMAND_AT_CALL))
+                .with(u"VLFOLIO_COMMAND_AT_CALL"_s, tree.filled(command.arg(nth).arg(oldTime)))
+                .run();
+
+        isDone = !tree.exists(u"ran"_s);
+        QCOMPARE(tree.exists(u"page.html"_s), outcome.exitCode == 0);
+        refused += outcome.exitCode == 1 ? 1 : 0;
+        const QStringList foreign =
+            QDir(tree.path()).entryList({ u".vlfolio-*"_s }, QDir::Dirs | QDir::Hidden);
+        for (const QString& name : foreign) {
+            const QFileInfo directory(tree.path(name));
+            QVERIFY(outcome.exitCode == 1
+                    || directory.lastModified().toSecsSinceEpoch() == oldTime);
+        }
+    }
+    QVERIFY(refused > 0);
 }
 
 void tst_vlfolio_classify_page::excludedFoldersAreLeftOut()
