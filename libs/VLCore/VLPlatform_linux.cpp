@@ -5,8 +5,8 @@
 #include <QtCore/QStringDecoder>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
-#include <memory>
 #include <utility>
 
 #include <dirent.h>
@@ -88,11 +88,10 @@ public:
     // Not readdir(), which takes the error ENOENT for the end of the directory.
     void readAll()
     {
-        constexpr size_t size = 32 * 1024;
-        const std::unique_ptr<char[]> buffer(new char[size]);
+        alignas(dirent64) std::array<char, size_t(16) * 1024> buffer;
         ssize_t used = 0;
-        while ((used = ::getdents64(m_directory.descriptor(), buffer.get(), size)) > 0)
-            addEntries(buffer.get(), used);
+        while ((used = ::getdents64(m_directory.descriptor(), buffer.data(), buffer.size())) > 0)
+            addEntries(buffer.data(), used);
         if (used < 0)
             VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
         // Without an entry to ask about, nothing is lost where nothing can be asked.
@@ -105,6 +104,9 @@ public:
 private:
     void addEntries(const char* entries, ssize_t size)
     {
+        // Of pictures there are many. An entry of theirs takes 32 bytes and more.
+        if (m_wantsFiles && listing.names.isEmpty())
+            listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + offset);
             const bool isHidden = entry->d_name[0] == '.';

@@ -262,18 +262,15 @@ bool VLFolioEventClassifier::matchesApplePhotos(const QString& path) const
 bool VLFolioEventClassifier::matchesDate(const QString& name) const
 {
     const VLNameLook look(name);
-    QList<QLocale> locales;
-    locales.append(QLocale());
+    const std::array locales { QLocale(), QLocale::system() };
     // One locale would give the same answers twice.
-    if (const QLocale system = QLocale::system(); system != locales.constFirst())
-        locales.append(system);
-
-    for (const QLocale& locale : std::as_const(locales)) {
+    const auto* const end = locales.front() == locales.back() ? &locales.back() : locales.end();
+    for (const auto* locale = locales.begin(); locale != end; ++locale) {
         for (const QLocale::FormatType formatType : formatTypes) {
-            if (!look.cannotBeDateIn(locale.dateFormat(formatType))
-                && toDate(locale, name, formatType).isValid())
+            if (!look.cannotBeDateIn(locale->dateFormat(formatType))
+                && toDate(*locale, name, formatType).isValid())
                 return true;
-            if (!look.cannotBeDayName(formatType) && isDayName(locale, name, formatType))
+            if (!look.cannotBeDayName(formatType) && isDayName(*locale, name, formatType))
                 return true;
         }
     }

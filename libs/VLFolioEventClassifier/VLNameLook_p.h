@@ -11,11 +11,12 @@ class VLNameLook
 public:
     explicit VLNameLook(const QString& name);
 
-    /// No language names a day with two digits, with more than 26 UTF-16 code units or, in the
-    /// narrow format, with more than 8; the bounds leave room for half as many again.
+    /// No language names a day with two digits, with four blanks, or with more than 26 UTF-16 code
+    /// units, 8 in the narrow format; the bounds of length leave room for half as many again.
     [[nodiscard]] bool cannotBeDayName(QLocale::FormatType formatType) const
     {
-        return m_digits >= 2 || m_size > (formatType == QLocale::NarrowFormat ? 12 : 39);
+        const qsizetype longest = formatType == QLocale::NarrowFormat ? 12 : 39;
+        return m_digits >= 2 || m_blanks >= 4 || m_size > longest;
     }
 
     /// A date has a digit for each field of \a format that is written in digits, and all of its
