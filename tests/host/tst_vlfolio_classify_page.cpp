@@ -24,6 +24,8 @@ private Q_SLOTS:
     void needsNoWriteAccessToTheCollection();
     void opens_data();
     void opens();
+    void failureToOpenIsTold_data();
+    void failureToOpenIsTold();
     void refusedPlaces_data();
     void refusedPlaces();
     void oldPageStaysWhenTheNewOneDoesNotFit();
@@ -130,6 +132,34 @@ void tst_vlfolio_classify_page::opens()
     QCOMPARE(outcome.opened.isEmpty(), !isOpened);
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.exitCode, 0);
+}
+
+void tst_vlfolio_classify_page::failureToOpenIsTold_data()
+{
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<int>("exitCode");
+
+    QTest::newRow("demanded") << QStringList { u"--open"_s } << 1;
+    QTest::newRow("on_a_desktop") << QStringList() << 0;
+}
+
+void tst_vlfolio_classify_page::failureToOpenIsTold()
+{
+    QFETCH(QStringList, options);
+    QFETCH(int, exitCode);
+    const PictureTree tree;
+    tree.addFolder(u"pics"_s);
+
+    const auto outcome = pageOf(tree, u"page.html"_s, options)
+                             .with(desktop, u":0"_s)
+                             .opener(HostProgram::Opener::Missing)
+                             .run();
+
+    QCOMPARE(outcome.error,
+             tree.filled(u"vlfolio-classify: cannot open the page {}/page.html\n"_s).toUtf8());
+    QCOMPARE(outcome.output, tree.path(u"page.html\n"_s).toUtf8());
+    QCOMPARE(outcome.exitCode, exitCode);
+    QVERIFY(tree.exists(u"page.html"_s));
 }
 
 void tst_vlfolio_classify_page::refusedPlaces_data()
