@@ -104,7 +104,7 @@ public:
 private:
     void addEntries(const char* entries, ssize_t size)
     {
-        // Of pictures there are many. An entry of theirs takes 32 bytes and more.
+        // Nearly all entries are files, and each takes 32 bytes or more.
         if (m_wantsFiles && listing.names.isEmpty())
             listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {

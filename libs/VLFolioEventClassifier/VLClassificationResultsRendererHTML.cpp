@@ -66,6 +66,13 @@ QString failureText(const QFileInfo& reportFile, const QFile& file)
     return text.chopped(1);
 }
 
+// Not through a format, which would end the text at a NUL within a path.
+void log(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (QLoggingCategory::defaultCategory()->isEnabled(type))
+        qt_message_output(type, context, text);
+}
+
 void writeCell(QTextStream& stream, const QString& text)
 {
     stream << "\t\t\t\t<td>"_L1 << text << "</td>\n"_L1;
@@ -100,7 +107,8 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
     // The member, not the static function: it is true for a link that leads nowhere, too.
     if (file.exists()) {
         const bool removed = file.remove();
-        qDebug("%ls", qUtf16Printable(removalText(path, removed)));
+        log(QtDebugMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
+            removalText(path, removed));
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
@@ -116,11 +124,8 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
         stream.flush();
         file.close();
     } else {
-        // Not through a format, which would end the text at a NUL within the path.
-        const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
-                                         "default");
-        if (QLoggingCategory::defaultCategory()->isWarningEnabled())
-            qt_message_output(QtWarningMsg, context, failureText(reportFile, file));
+        log(QtWarningMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
+            failureText(reportFile, file));
     }
     VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
 }

@@ -19,7 +19,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 #include <new>
 #include <utility>
 #include <vector>
