@@ -172,7 +172,7 @@ QString readPage(const QCommandLineParser& parser, CommandLine& commandLine)
     if (files.size() > 1)
         return u"--page is given more than once"_s;
     commandLine.page = files.value(0);
-    return files == QStringList { QString() } ? u"--page needs a file"_s : QString();
+    return !files.isEmpty() && commandLine.page.isEmpty() ? u"--page needs a file"_s : QString();
 }
 
 QString readWhy(const QCommandLineParser& parser, CommandLine& commandLine)

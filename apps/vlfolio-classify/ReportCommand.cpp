@@ -57,8 +57,11 @@ bool passOn(QString& text, QFile& file)
 bool writeReport(const Results& results, int rootPathLength, QFile& file)
 {
     constexpr qsizetype pieceSize = 1 << 13;
-    const Renderer renderer({}, rootPathLength, { u"*.*"_s });
-    // Not a shared copy, which sorting would have to detach: that crashes where memory is short.
+    // Not a list from an initializer list, nor a shared copy, which sorting would have to detach:
+    // both crash where memory is short.
+    QStringList nameFilters;
+    nameFilters.append(u"*.*"_s);
+    const Renderer renderer({}, rootPathLength, nameFilters);
     Results sorted;
     sorted.append(results);
     std::sort(sorted.begin(), sorted.end(), Renderer::isSmaller);

@@ -269,6 +269,7 @@ private Q_SLOTS:
     void showsNoProgress();
     void progressIsNotNeeded();
     void argumentsNeedMemory();
+    void allocationsFail();
 };
 
 void tst_vlfolio_classify::init()
@@ -1030,7 +1031,7 @@ void tst_vlfolio_classify::showsProgress()
                           .with(u"VLFOLIO_AWAITING_LISTING"_s, u"2"_s)
                           .with(u"VLFOLIO_OTHER_AWAITING_LISTING"_s, u"14"_s);
     if (!underSanitizer)
-        run.preloading(QStringLiteral(VLFOLIO_ONE_THREADS_MEMORY));
+        run.preloading(QStringLiteral(VLFOLIO_LIMITED_MEMORY));
     const auto outcome = run.run();
 
     const QRegularExpression shown(
@@ -1110,6 +1111,39 @@ void tst_vlfolio_classify::argumentsNeedMemory()
     QCOMPARE(outcome.error, QByteArray("vlfolio-classify: out of memory\n"));
     QCOMPARE(outcome.output, QByteArray());
     QCOMPARE(outcome.exitCode, 1);
+}
+
+// One of them at a time: what is told is true, and the report is whole. A few end the process
+// within Qt and the C library.
+void tst_vlfolio_classify::allocationsFail()
+{
+    if (underSanitizer)
+        QSKIP("A sanitizer gives memory of its own");
+    const PictureTree tree;
+    tree.addFolder(u"pics/2019/07"_s);
+    QCOMPARE(program(u"pics"_s, tree).run().exitCode, 0);
+    const QByteArray report = tree.content(u"pics/"_s + reportName);
+    int runs = 0;
+    int deaths = 0;
+    for (long nth = 1;; nth += 5) {
+        tree.addFile(u"pics/"_s + reportName, "old");
+        const auto outcome = program(u"pics"_s, tree)
+                                 .preloading(QStringLiteral(VLFOLIO_LIMITED_MEMORY))
+                                 .with(u"VLFOLIO_FAILING_ALLOCATION"_s, QString::number(nth))
+                                 .run();
+        if (!outcome.error.startsWith("failed\n"))
+            break;
+        ++runs;
+        deaths += int(outcome.exitCode < 0);
+        const QByteArray found = tree.content(u"pics/"_s + reportName);
+        QVERIFY(found == report || (found == "old" && outcome.exitCode != 0));
+        if (outcome.exitCode == 1)
+            QVERIFY2(outcome.error.startsWith("failed\nvlfolio-classify: "),
+                     outcome.error.constData());
+    }
+    qInfo("%d of %d failing allocations ended the process", deaths, runs);
+    QVERIFY(runs > 100);
+    QVERIFY(deaths * 50 < runs);
 }
 
 QTEST_GUILESS_MAIN(tst_vlfolio_classify)
