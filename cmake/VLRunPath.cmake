@@ -9,6 +9,8 @@ function(vl_place_in_build_tree target)
         LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}"
         RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_BINDIR}"
         BUILD_WITH_INSTALL_RPATH ON
+        # Where Qt is, unless the loader looks there anyway.
+        INSTALL_RPATH_USE_LINK_PATH ON
     )
 endfunction()
 
