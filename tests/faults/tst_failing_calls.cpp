@@ -125,6 +125,8 @@ private Q_SLOTS:
     void programReadsEachFolder();
 
     void fullDiskLeavesAnEmptyReport();
+    void listingThatBreaksOffIsTold_data();
+    void listingThatBreaksOffIsTold();
     void lackOfMemoryIsBadAlloc_data();
     void lackOfMemoryIsBadAlloc();
     void fileTypesThatAreNotTold();
@@ -320,6 +322,36 @@ void tst_failing_calls::fullDiskLeavesAnEmptyReport()
     QCOMPARE(m_tree.unexplained(m_tree.reported(), {}, {}), QStringList());
 }
 
+void tst_failing_calls::listingThatBreaksOffIsTold_data()
+{
+    QTest::addColumn<int>("error");
+
+    QTest::newRow("EIO") << EIO;
+    // To readdir(), the end of the directory.
+    QTest::newRow("ENOENT") << ENOENT;
+}
+
+void tst_failing_calls::listingThatBreaksOffIsTold()
+{
+    QFETCH(const int, error);
+
+    // More than one reading brings.
+    constexpr int count = 1'000;
+    RawDirectory directory;
+    for (int number = 0; number < count; ++number)
+        directory.folder(QByteArray(100, 'x') + QByteArray::number(number));
+    QVERIFY2(directory.isValid(), directory.error());
+    const RecordingPlatform platform;
+    arm("getdents64", 2, 2, error, directory.path());
+    const QStringList found = platform.getDirectSubdirectoriesInDirectory(QDir(directory.path()));
+    QVERIFY(vlDisarmFailingCall() != nullptr);
+    QVERIFY(!found.isEmpty() && found.size() < count);
+    QCOMPARE(platform.incomplete.size(), 1);
+    QCOMPARE(platform.incomplete.constFirst().problem,
+             RecordingPlatform::ListingProblem::Unreadable);
+    QCOMPARE(platform.incomplete.constFirst().systemError, error);
+}
+
 void tst_failing_calls::lackOfMemoryIsBadAlloc_data()
 {
     QTest::addColumn<QByteArray>("call");
@@ -347,12 +379,10 @@ void tst_failing_calls::lackOfMemoryIsBadAlloc()
 // As on some file systems. QDir then asks for each, too.
 void tst_failing_calls::fileTypesThatAreNotTold()
 {
-    RawDirectory directory;
-    directory.make({ "folder/", "file", "pipe|", "socket=", "to folder -> folder",
-                     "to file -> file", "to pipe -> pipe", "to socket -> socket",
-                     "to device -> /dev/null", "to link -> to folder", "dangling -> nowhere",
-                     "circle -> circle", ".hidden/", ".file" });
-    QVERIFY2(directory.isValid(), directory.error());
+    RawDirectory directory({ "folder/", "file", "pipe|", "socket=", "to folder -> folder",
+                             "to file -> file", "to pipe -> pipe", "to socket -> socket",
+                             "to device -> /dev/null", "to link -> to folder",
+                             "dangling -> nowhere", "circle -> circle", ".hidden/", ".file" });
     const RecordingPlatform platform;
     arm("kind", 1, forGood, 0, directory.path());
     QStringList files = platform.getDirectFilesInDirectory(QDir(directory.path()));

@@ -352,9 +352,7 @@ void tst_report::rowsAreSorted()
 void tst_report::nameFiltersAreNotApplied()
 {
     const RecordingPlatform platform;
-    RawDirectory directory;
-    directory.make({ "a.jpg", "b.png", "without_a_dot", "2019/" });
-    QVERIFY2(directory.isValid(), directory.error());
+    RawDirectory directory({ "a.jpg", "b.png", "without_a_dot", "2019/" });
     const QString path = directory.path();
     Renderer({ resultOf(path, 1), resultOf(path + u"/2019"_s, 2) }, static_cast<int>(path.size()),
              { u"*.nothing"_s })
@@ -397,10 +395,8 @@ void tst_report::relativeReportFile()
 {
     const RecordingPlatform platform;
     const MessageRecorder recorder;
-    RawDirectory directory;
-    QVERIFY2(directory.make({ "old.html" }).isValid(), directory.error());
+    RawDirectory directory({ "old.html" });
     const WorkingDirectory inside(directory.path());
-    QVERIFY(inside.isActive());
     Renderer({}, 0, {}).renderToFile(QFileInfo(u"old.html"_s));
     QCOMPARE(fileContents(directory.path("old.html")), report({}));
     QCOMPARE(recorder.texts(), QStringList(removalText(directory.path("old.html"), true)));
@@ -500,9 +496,7 @@ void tst_report::reportThatCannotBeOpened()
     QFETCH(const QByteArray, name);
 
     const RecordingPlatform platform;
-    RawDirectory directory;
-    directory.make({ "file", "directory/folder/kept/" });
-    QVERIFY2(directory.isValid(), directory.error());
+    RawDirectory directory({ "file", "directory/folder/kept/" });
     const QString path = directory.path(parent + '/' + name);
     const QString errorText = openErrorText(path);
     QVERIFY(!errorText.isEmpty());

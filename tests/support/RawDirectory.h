@@ -33,6 +33,14 @@ public:
         }
         note(!m_path.isEmpty());
     }
+    /// With these entries, as make() has them. Ends the program if they cannot be made, unless it is
+    /// for names that are not UTF-8.
+    explicit RawDirectory(const QByteArrayList& entries)
+        : RawDirectory()
+    {
+        if (!make(entries).isValid() && !lacksRawNames())
+            qFatal("Cannot fill %s: %s", m_path.constData(), error());
+    }
     ~RawDirectory()
     {
         for (const QByteArray& name : std::as_const(m_restricted))
