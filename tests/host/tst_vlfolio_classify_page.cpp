@@ -28,11 +28,13 @@ private Q_SLOTS:
     void failureToOpenIsTold();
     void refusedPlaces_data();
     void refusedPlaces();
+    void oldPageStaysWhenTheNewOneDoesNotFit_data();
     void oldPageStaysWhenTheNewOneDoesNotFit();
     void leftOverDirectories_data();
     void leftOverDirectories();
     void directoriesOfOtherUsersStay();
     void directoryOfAnotherUserIsNotUsed();
+    void namesAllThatIsLeftOut();
     void excludedFoldersAreLeftOut();
     void collectionAtTheRootOfTheFileSystem();
 };
@@ -202,15 +204,28 @@ void tst_vlfolio_classify_page::refusedPlaces()
     QCOMPARE(QFileInfo(tree.path(u"link"_s)).symLinkTarget(), u"/dev/null"_s);
 }
 
+void tst_vlfolio_classify_page::oldPageStaysWhenTheNewOneDoesNotFit_data()
+{
+    QTest::addColumn<int>("missing");
+
+    QTest::newRow("by_most_of_it") << 10'000;
+    QTest::newRow("by_its_last_byte") << 1;
+}
+
 void tst_vlfolio_classify_page::oldPageStaysWhenTheNewOneDoesNotFit()
 {
+    QFETCH(int, missing);
     const PictureTree tree;
     tree.addPictures();
+    QCOMPARE(pageOf(tree, u"page.html"_s).run().exitCode, 0);
+    const qsizetype size = tree.content(u"page.html"_s).size();
+    QVERIFY(size > missing);
     tree.addFile(u"page.html"_s, "old");
 
-    const auto outcome = pageOf(tree, u"page.html"_s, { u"--open"_s })
-                             .before([] { ChildSteps::limitFileSize(4096); })
-                             .run();
+    const auto outcome =
+        pageOf(tree, u"page.html"_s, { u"--open"_s })
+            .before([=] { ChildSteps::limitFileSize(static_cast<unsigned long>(size - missing)); })
+            .run();
 
     QCOMPARE(outcome.error, failure(tree, u"page.html"_s, u"File too large"_s));
     QCOMPARE(outcome.output, QByteArray());
@@ -303,6 +318,30 @@ void tst_vlfolio_classify_page::directoryOfAnotherUserIsNotUsed()
         }
     }
     QVERIFY(refused > 0);
+}
+
+void tst_vlfolio_classify_page::namesAllThatIsLeftOut()
+{
+    PictureTree tree;
+    tree.addFolder(u"pics/odd"_s);
+    tree.addFolder(u"closed/folder"_s);
+    tree.addLink(u"../../closed/folder"_s, u"pics/odd/link"_s);
+    const QByteArray undecodable = QFile::encodeName(tree.path(u"pics/odd/"_s)) + '\xff';
+    QCOMPARE(mkdir(undecodable.constData(), S_IRWXU), 0);
+    tree.setMode(u"closed"_s, 0);
+
+    const auto outcome = pageOf(tree, u"page.html"_s).before(&ChildSteps::obeyPermissions).run();
+
+    if (outcome.exitCode == HostProgram::setUpFailed)
+        QSKIP("The superuser's rights cannot be dropped here.");
+    const QByteArray page = tree.content(u"page.html"_s);
+    // In the order in which the system lists the two.
+    const QByteArray one = "this folder holds folders whose names are not UTF-8; they are left out";
+    const QByteArray other =
+        "this folder holds an entry that cannot be looked at: Permission denied; "
+        "it is left out";
+    QVERIFY(page.contains("not complete: " + one + "; " + other)
+            || page.contains("not complete: " + other + "; " + one));
 }
 
 void tst_vlfolio_classify_page::excludedFoldersAreLeftOut()
