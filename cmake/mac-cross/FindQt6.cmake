@@ -32,7 +32,7 @@ foreach(module IN ITEMS Core Test)
     )
     # The C library and the C++ library name these types differently.
     string(REPLACE "P8_IO_FILE" "P7__sFILE" symbols "${symbols}")
-    string(REGEX REPLACE "St(4pair|8optional)I([^\n]+)" "NSt3__1\\1I\\2E" symbols "${symbols}")
+    string(REGEX REPLACE "St(4pair|6future|8optional)I([^\n]+)" "NSt3__1\\1I\\2E" symbols "${symbols}")
     list(APPEND symbols
         _ZN9QMetaType25registerConverterFunctionERKNSt3__18functionIFbPKvPvEEES_S_
         _ZN9QMetaType27registerMutableViewFunctionERKNSt3__18functionIFbPvS2_EEES_S_

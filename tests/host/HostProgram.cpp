@@ -10,19 +10,14 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <linux/capability.h>
+#include <pty.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <termios.h>
 #include <unistd.h>
-
-#if defined(Q_OS_LINUX)
-#    include <linux/capability.h>
-#    include <pty.h>
-#    include <sched.h>
-#    include <sys/mount.h>
-#    include <sys/prctl.h>
-#else
-#    include <util.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -242,9 +237,7 @@ HostProgram::Outcome HostProgram::run() const
         process.setUnixProcessParameters(QProcess::UnixProcessFlag::IgnoreSigPipe);
 #endif
     const auto prepare = [&, this] {
-#if defined(Q_OS_LINUX)
         prctl(PR_SET_PDEATHSIG, SIGKILL);
-#endif
         std::signal(SIGPIPE, m_ignoresClosedPipes ? SIG_IGN : SIG_DFL);
         dup2(openedWriting.number(), openerDescriptor);
         if (m_output == Stream::Terminal)
@@ -279,14 +272,10 @@ void ChildSteps::obeyPermissions()
 {
     if (geteuid() != 0)
         return;
-#if defined(Q_OS_LINUX)
     for (const auto capability : { CAP_DAC_OVERRIDE, CAP_DAC_READ_SEARCH }) {
         if (prctl(PR_CAPBSET_DROP, capability, 0, 0, 0) != 0)
             giveUp();
     }
-#else
-    giveUp();
-#endif
 }
 
 void ChildSteps::closedPipe()
@@ -309,20 +298,14 @@ void ChildSteps::limitFileSize(unsigned long bytes)
 
 void ChildSteps::limitMemory(unsigned long bytes)
 {
-#if defined(Q_OS_LINUX)
     // Not the address space: the libraries' code and tables are most of that, and differ in size.
     const rlimit limit { bytes, bytes };
     if (setrlimit(RLIMIT_DATA, &limit) != 0)
         giveUp();
-#else
-    Q_UNUSED(bytes)
-    giveUp();
-#endif
 }
 
 void ChildSteps::mountOver(const char* directory, bool readOnly)
 {
-#if defined(Q_OS_LINUX)
     const unsigned long flags = readOnly ? static_cast<unsigned long>(MS_RDONLY) : 0;
     if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0
         || mount("tmpfs", directory, "tmpfs", flags, "size=64k") != 0 || chdir(directory) != 0) {
@@ -334,9 +317,4 @@ void ChildSteps::mountOver(const char* directory, bool readOnly)
     static constexpr std::array<char, 4096> block {};
     while (write(filler, block.data(), block.size()) > 0) { }
     close(filler);
-#else
-    Q_UNUSED(directory)
-    Q_UNUSED(readOnly)
-    giveUp();
-#endif
 }
