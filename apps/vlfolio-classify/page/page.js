@@ -50,7 +50,8 @@
         });
         for (const fold of folds)
             fold.open = fold.querySelector("li:not([hidden])") !== null;
-        status.textContent = `${found.filter((mark) => mark === 2).length} of ${total}`;
+        const count = found.filter((mark) => mark === 2).length;
+        status.textContent = `${count.toLocaleString("en")} of ${total}`;
     }
 
     function update() {
