@@ -34,11 +34,6 @@ constexpr std::array allTypes {
 };
 // clang-format on
 
-QString nameOf(const VLEventFolderType& type)
-{
-    return type.name();
-}
-
 // A folder of the outcome, and how many files are in it if that was asked for.
 struct Folder
 {
@@ -51,6 +46,11 @@ bool isWanted(const VLEventFolderType& type, const QList<VLEventFolderType>& typ
     return types.isEmpty() || types.contains(type);
 }
 
+qsizetype filesIn(const VLEventFolderClassificationResult& result, const ProgramPlatform& platform)
+{
+    return platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath())).size();
+}
+
 // Only a JSON object tells how many files there are: for the other commands each folder is read
 // once.
 QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath,
@@ -61,14 +61,12 @@ QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath
     VLFolioEventClassifier classifier(root);
     const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
     progress.lookAgain("Counting files:", static_cast<int>(results.size()));
+    const bool counts = commandLine.action == CommandLine::Action::Json;
     QList<Folder> folders;
     folders.reserve(results.size());
     for (const VLEventFolderClassificationResult& result : results) {
-        const QDir directory(result.directory().absoluteFilePath());
-        const bool isCounted = commandLine.action == CommandLine::Action::Json
-            && isWanted(result.classification(), commandLine.types);
-        folders.append(
-            { result, isCounted ? platform.getDirectFilesInDirectory(directory).size() : 0 });
+        const bool isCounted = counts && isWanted(result.classification(), commandLine.types);
+        folders.append({ result, isCounted ? filesIn(result, platform) : 0 });
     }
     return folders;
 }
@@ -101,7 +99,7 @@ void printSummary(const QList<Folder>& folders, const QList<VLEventFolderType>& 
             return folder.result.classification() == type;
         };
         const auto count = std::count_if(folders.cbegin(), folders.cend(), isOfType);
-        printCount(nameOf(type), count);
+        printCount(VLEventFolderType(type).name(), count);
         total += count;
     }
     printCount(u"Total"_s, total);
@@ -111,7 +109,7 @@ QString explanation(const VLFolioEventClassifier& classifier, const QString& nam
 {
     const QStringList met = FolderReasons::testsMet(classifier, name);
     const QString tests = met.isEmpty() ? u"none"_s : met.join(u", "_s);
-    return nameOf(classifier.eventFolderType(name)) + u" <= "_s + name + u" (tests met: "_s + tests
+    return classifier.eventFolderType(name).name() + u" <= "_s + name + u" (tests met: "_s + tests
         + u')';
 }
 

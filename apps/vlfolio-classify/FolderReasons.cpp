@@ -89,7 +89,10 @@ FolderReasons::Reason FolderReasons::reason() const
     const VLEventFolderType typeAbove =
         m_path.size() > 1 ? m_path.at(m_path.size() - 2).classification() : VLEventFolderType();
     const QFileInfo directory = result.directory();
-    const VLEventFolderType ownType = m_classifier.eventFolderType(directory).classification();
+    // The folder above makes nothing but events. Of all others the walk has told the own type.
+    const VLEventFolderType ownType = result.classification() == VLEventFolderTypeEnum::Event
+        ? m_classifier.eventFolderType(directory).classification()
+        : result.classification();
     return { ownType, testsMet(m_classifier, directory.fileName()),
              reasonText(ownType, typeAbove, result.classification()), m_path.size() - 1 };
 }

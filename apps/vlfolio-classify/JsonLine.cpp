@@ -4,16 +4,40 @@
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
+#include <algorithm>
+
 using namespace Qt::StringLiterals;
 
 namespace {
 
-QString nameOf(const VLEventFolderType& type)
+bool isEscaped(QChar character)
 {
-    return type.name();
+    return character < u' ' || character == u'"' || character == u'\\' || character.isSurrogate();
 }
 
-QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
+QString written(const QJsonArray& array)
+{
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
+}
+
+// Nearly every text stands in JSON as it is. Qt writes the others.
+QString quoted(const QString& text)
+{
+    if (std::none_of(text.cbegin(), text.cend(), isEscaped))
+        return u'"' + text + u'"';
+    const QString array = written({ text });
+    return array.mid(1, array.size() - 2);
+}
+
+QString quoted(const QStringList& texts)
+{
+    QStringList all;
+    for (const QString& text : texts)
+        all.append(quoted(text));
+    return u'[' + all.join(u',') + u']';
+}
+
+QString occasionsOf(const VLEventFolderClassificationResult& result)
 {
     QJsonArray array;
     const VLOccasionInfoList occasions = result.occasionInformation();
@@ -22,39 +46,36 @@ QJsonArray occasionsOf(const VLEventFolderClassificationResult& result)
                                    { u"source"_s, info.source() },
                                    { u"confidence"_s, info.confidence() } });
     }
-    return array;
+    return occasions.isEmpty() ? u"[]"_s : written(array);
 }
 
 // Unlike the sentences, each name once, whatever the system's reasons were.
-QJsonArray incompleteNames(const QList<IncompleteListing>& listings)
+QString incompleteNames(const QList<IncompleteListing>& listings)
 {
     QStringList names;
     for (const IncompleteListing& listing : listings)
         names.append(incompleteName(listing));
     names.removeDuplicates();
-    return QJsonArray::fromStringList(names);
+    return quoted(names);
 }
 
 } // namespace
 
+// Put together here: a QJsonObject of each folder would take as long as all the rest.
 QString jsonLine(const JsonFolder& folder, int prefix)
 {
     const QString path = folder.result.directory().absoluteFilePath();
     const VLEventFolderType type = folder.result.classification();
-    // clang-format off
-    QJsonObject object {
-        { u"path"_s, path },
-        { u"relativePath"_s, path.mid(prefix) },
-        { u"type"_s, nameOf(type) },
-        { u"value"_s, static_cast<int>(type.value()) },
-        { u"ownType"_s, nameOf(folder.reason.ownType) },
-        { u"tests"_s, QJsonArray::fromStringList(folder.reason.tests) },
-        { u"files"_s, folder.fileCount },
-        { u"occasions"_s, occasionsOf(folder.result) },
-    };
-    // clang-format on
+    QString line = u"{\"files\":"_s + QString::number(folder.fileCount);
     // Only what is incomplete says so: that is what a reader looks for.
     if (!folder.incomplete.isEmpty())
-        object.insert(u"incomplete"_s, incompleteNames(folder.incomplete));
-    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+        line += u",\"incomplete\":"_s + incompleteNames(folder.incomplete);
+    line += u",\"occasions\":"_s + occasionsOf(folder.result);
+    line += u",\"ownType\":"_s + quoted(folder.reason.ownType.name());
+    line += u",\"path\":"_s + quoted(path);
+    line += u",\"relativePath\":"_s + quoted(path.mid(prefix));
+    line += u",\"tests\":"_s + quoted(folder.reason.tests);
+    line += u",\"type\":"_s + quoted(type.name());
+    line += u",\"value\":"_s + QString::number(static_cast<int>(type.value()));
+    return line + u'}';
 }
