@@ -9,11 +9,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-using Problem = VLPlatformIndependent::ListingProblem;
+using Problem = IncompleteListing::Problem;
 
 struct ProblemRow
 {
-    Problem problem;
+    Problem problem = Problem::Unreadable;
     QLatin1StringView name;
     /// %1 is the folder, %2 the system's reason.
     QLatin1StringView sentence;

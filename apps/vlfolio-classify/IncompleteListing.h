@@ -7,7 +7,9 @@
 /// What the listing of a folder lacks, and why.
 struct IncompleteListing
 {
-    VLPlatformIndependent::ListingProblem problem;
+    using Problem = VLPlatformIndependent::ListingProblem;
+
+    Problem problem = Problem::Unreadable;
     /// The system's reason, an errno value; 0 where it gave none.
     int systemError = 0;
 

@@ -131,8 +131,9 @@ int tellLackOfMemory()
 int main(int argc, char* argv[])
 {
     Terminal::occupyClosedStreams();
-    // The system's messages come in the user's language.
+    // The system's messages come in the user's language, and in UTF-8 whatever that has.
     std::setlocale(LC_ALL, "");
+    std::setlocale(LC_CTYPE, "C.UTF-8");
     // Where files may not grow further, writing tells why, as it does on a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
     std::set_terminate(endForGood);
