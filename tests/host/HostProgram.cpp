@@ -249,20 +249,16 @@ HostProgram::Outcome HostProgram::run() const
     };
     process.setChildProcessModifier(prepare);
     process.start(QStringLiteral(VLFOLIO_PROGRAM), m_arguments);
-    if (!process.waitForStarted())
+    if (!process.waitForStarted(-1))
         qFatal("The program cannot be started");
     openedWriting.close();
     Outcome outcome;
-    if (!process.waitForFinished(60'000)) {
-        process.kill();
-        process.waitForFinished();
-        outcome.error = "(killed after a minute) ";
-    }
+    process.waitForFinished(-1);
     // Qt gives the signal's number as the exit code of a program that crashed.
     outcome.exitCode =
         process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -process.exitCode();
     outcome.output = process.readAllStandardOutput();
-    outcome.error += process.readAllStandardError();
+    outcome.error = process.readAllStandardError();
     outcome.terminal = takeShown(master, slave);
     outcome.opened = openedReading.readUntil('\0');
     return outcome;

@@ -52,8 +52,8 @@ public:
     /// What the child does before the program begins. Nothing in it may allocate.
     HostProgram& before(const std::function<void()>& step);
 
-    /// Runs the program to its end, and to the end of an opener that it started. One that does not
-    /// end is killed, as it is when this process goes.
+    /// Runs the program to its end, and to the end of an opener that it started. The program ends
+    /// with this process.
     [[nodiscard]] Outcome run() const;
 
 private:

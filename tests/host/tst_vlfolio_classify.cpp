@@ -773,7 +773,7 @@ void tst_vlfolio_classify::namesThatAreNotUtf8()
     const QString setUp =
         u"bad=$(printf 'bad\\377'); mkdir -p \"$bad/in\" || exit 125; ln -s \"$bad\" odd; "_s;
     shell.start(u"/bin/sh"_s, { u"-c"_s, setUp + command, QStringLiteral(VLFOLIO_PROGRAM) });
-    QVERIFY(shell.waitForFinished());
+    QVERIFY(shell.waitForFinished(-1));
     if (shell.exitCode() == HostProgram::setUpFailed)
         QSKIP("The file system takes names in UTF-8 only");
     const QByteArray name = QFile::encodeName(tree.path(u"bad"_s)) + "\xff";
