@@ -1,4 +1,4 @@
-#include "HostProgram.h"
+#include "ProgramRun.h"
 
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
@@ -134,78 +134,78 @@ void addRecordingOpener(const QString& directory)
 
 [[noreturn]] void giveUp()
 {
-    _exit(HostProgram::setUpFailed);
+    _exit(ProgramRun::setUpFailed);
 }
 
 } // namespace
 
-HostProgram& HostProgram::in(const QString& directory)
+ProgramRun& ProgramRun::in(const QString& directory)
 {
     m_directory = directory;
     return *this;
 }
 
-HostProgram& HostProgram::with(const QString& variable, const QString& value)
+ProgramRun& ProgramRun::with(const QString& variable, const QString& value)
 {
     m_variables.insert(variable, value);
     return *this;
 }
 
-HostProgram& HostProgram::with(const QHash<QString, QString>& variables)
+ProgramRun& ProgramRun::with(const QHash<QString, QString>& variables)
 {
     m_variables.insert(variables);
     return *this;
 }
 
-HostProgram& HostProgram::preloading(const QString& library)
+ProgramRun& ProgramRun::preloading(const QString& library)
 {
     m_libraries.append(library);
     return *this;
 }
 
-HostProgram& HostProgram::columns(unsigned short number)
+ProgramRun& ProgramRun::columns(unsigned short number)
 {
     m_columns = number;
     return *this;
 }
 
-HostProgram& HostProgram::output(Stream stream)
+ProgramRun& ProgramRun::output(Stream stream)
 {
     m_output = stream;
     return *this;
 }
 
-HostProgram& HostProgram::error(Stream stream)
+ProgramRun& ProgramRun::error(Stream stream)
 {
     m_error = stream;
     return *this;
 }
 
-HostProgram& HostProgram::outputFile(const QString& path)
+ProgramRun& ProgramRun::outputFile(const QString& path)
 {
     m_outputFile = path;
     return *this;
 }
 
-HostProgram& HostProgram::opener(Opener opener)
+ProgramRun& ProgramRun::opener(Opener opener)
 {
     m_opener = opener;
     return *this;
 }
 
-HostProgram& HostProgram::ignoringClosedPipes()
+ProgramRun& ProgramRun::ignoringClosedPipes()
 {
     m_ignoresClosedPipes = true;
     return *this;
 }
 
-HostProgram& HostProgram::before(const std::function<void()>& step)
+ProgramRun& ProgramRun::before(const std::function<void()>& step)
 {
     m_before = step;
     return *this;
 }
 
-HostProgram::Outcome HostProgram::run() const
+ProgramRun::Outcome ProgramRun::run() const
 {
     const QTemporaryDir searchPath;
     if (m_opener == Opener::Recording)

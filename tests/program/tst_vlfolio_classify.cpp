@@ -1,5 +1,5 @@
-#include "HostProgram.h"
 #include "PictureTree.h"
+#include "ProgramRun.h"
 #include "Sanitizer.h"
 
 #include <VLCore/VLPlatformIndependent.h>
@@ -24,8 +24,8 @@
 using namespace Qt::StringLiterals;
 
 using Environment = QHash<QString, QString>;
-using Opener = HostProgram::Opener;
-using Stream = HostProgram::Stream;
+using Opener = ProgramRun::Opener;
+using Stream = ProgramRun::Stream;
 
 namespace {
 
@@ -80,7 +80,7 @@ QStringList words(const QString& text, const PictureTree& tree)
 
 // A program in the tree. Words such as LC_ALL=C in front of the arguments are of its environment,
 // and "in=FOLDER" is where it runs.
-HostProgram program(const QString& arguments, const PictureTree& tree)
+ProgramRun program(const QString& arguments, const PictureTree& tree)
 {
     QStringList rest = words(arguments, tree);
     Environment environment;
@@ -94,7 +94,7 @@ HostProgram program(const QString& arguments, const PictureTree& tree)
             environment[match.captured(1)] = match.captured(2);
         rest.removeFirst();
     }
-    return HostProgram(rest).in(folder).with(environment);
+    return ProgramRun(rest).in(folder).with(environment);
 }
 
 void addRunColumns()
@@ -180,20 +180,20 @@ void addRunTree(PictureTree& tree)
 }
 
 // What the row says of the program's run. False where nothing could be tested.
-[[nodiscard]] bool isAsTheRowSays(const HostProgram::Outcome& outcome, const PictureTree& tree)
+[[nodiscard]] bool isAsTheRowSays(const ProgramRun::Outcome& outcome, const PictureTree& tree)
 {
     const auto check = [&] {
         QFETCH(QString, output);
         QFETCH(QString, error);
         QFETCH(int, exitCode);
-        if (outcome.exitCode == HostProgram::setUpFailed)
+        if (outcome.exitCode == ProgramRun::setUpFailed)
             QSKIP("The system does not allow what this run needs");
         QCOMPARE(QString::fromUtf8(outcome.error).split(u'\n'), tree.filled(error).split(u'\n'));
         QCOMPARE(QString::fromUtf8(outcome.output), tree.filled(output));
         QCOMPARE(outcome.exitCode, exitCode);
     };
     check();
-    return !QTest::currentTestFailed() && outcome.exitCode != HostProgram::setUpFailed;
+    return !QTest::currentTestFailed() && outcome.exitCode != ProgramRun::setUpFailed;
 }
 
 // Opens nothing.
@@ -309,7 +309,7 @@ void tst_vlfolio_classify::runs()
 
     const bool wasThere = tree.exists(u"pics/"_s + reportName);
     static const QRegularExpression restricted(u"closed|unlisted|unentered"_s);
-    HostProgram subject = program(arguments, tree);
+    ProgramRun subject = program(arguments, tree);
     if (arguments.contains(restricted))
         subject.before(&ChildSteps::obeyPermissions);
     const auto outcome = subject.run();
@@ -428,7 +428,7 @@ void tst_vlfolio_classify::countsItself()
         const auto outcome = program(u"--output %1 pics"_s.arg(output), tree)
                                  .before(&ChildSteps::obeyPermissions)
                                  .run();
-        if (outcome.exitCode == HostProgram::setUpFailed)
+        if (outcome.exitCode == ProgramRun::setUpFailed)
             QSKIP("The superuser's rights cannot be dropped here");
         QCOMPARE(outcome.error, QByteArray());
         QCOMPARE(outcome.output, tree.path(path).toUtf8() + '\n');
@@ -475,7 +475,7 @@ void tst_vlfolio_classify::replaces()
 
     const auto outcome = program(u"pics"_s, tree).before(&ChildSteps::obeyPermissions).run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("The superuser's rights cannot be dropped here");
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.output, tree.filled(picturesReport).toUtf8());
@@ -555,7 +555,7 @@ void tst_vlfolio_classify::fullFileSystem()
             .before([&] { ChildSteps::mountOver(directory.constData(), readOnly); })
             .run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("No file system of its own can be mounted here.");
     QCOMPARE(QString::fromUtf8(outcome.error), tree.filled(unwritten(reason)));
     QCOMPARE(outcome.output, QByteArray());
@@ -774,7 +774,7 @@ void tst_vlfolio_classify::namesThatAreNotUtf8()
         u"bad=$(printf 'bad\\377'); mkdir -p \"$bad/in\" || exit 125; ln -s \"$bad\" odd; "_s;
     shell.start(u"/bin/sh"_s, { u"-c"_s, setUp + command, QStringLiteral(VLFOLIO_PROGRAM) });
     QVERIFY(shell.waitForFinished(-1));
-    if (shell.exitCode() == HostProgram::setUpFailed)
+    if (shell.exitCode() == ProgramRun::setUpFailed)
         QSKIP("The file system takes names in UTF-8 only");
     const QByteArray name = QFile::encodeName(tree.path(u"bad"_s)) + "\xff";
     QCOMPARE(::rmdir((name + "/in").constData()), 0);
@@ -923,7 +923,7 @@ void tst_vlfolio_classify::terminalShowsNamesEscaped()
     const PictureTree tree;
     tree.addFolder(trickyName);
 
-    const auto outcome = HostProgram(arguments).in(tree.path()).output(Stream::Terminal).run();
+    const auto outcome = ProgramRun(arguments).in(tree.path()).output(Stream::Terminal).run();
 
     QCOMPARE(outcome.terminal, tree.filled(shown).toUtf8());
     QCOMPARE(outcome.error, QByteArray());
@@ -940,7 +940,7 @@ void tst_vlfolio_classify::pipedNamesAreRaw()
     QCOMPARE(list.output, (u"   Root <= \nUnknown <= "_s + trickyName + u'\n').toUtf8());
     QCOMPARE(list.terminal, QByteArray());
 
-    const auto report = HostProgram({ trickyName }).in(tree.path()).run();
+    const auto report = ProgramRun({ trickyName }).in(tree.path()).run();
     QCOMPARE(report.output, (tree.path() + u'/' + trickyName + u'/' + reportName + u'\n').toUtf8());
 }
 
@@ -1024,12 +1024,12 @@ void tst_vlfolio_classify::showsProgress()
     tree.addPictures();
 
     // One of the walk's twelve listings, and one of the twelve for the counts.
-    HostProgram run = program(arguments, tree)
-                          .error(Stream::Terminal)
-                          .columns(static_cast<unsigned short>(columns))
-                          .preloading(QStringLiteral(VLFOLIO_SLOW_LISTINGS))
-                          .with(u"VLFOLIO_AWAITING_LISTING"_s, u"2"_s)
-                          .with(u"VLFOLIO_OTHER_AWAITING_LISTING"_s, u"14"_s);
+    ProgramRun run = program(arguments, tree)
+                         .error(Stream::Terminal)
+                         .columns(static_cast<unsigned short>(columns))
+                         .preloading(QStringLiteral(VLFOLIO_SLOW_LISTINGS))
+                         .with(u"VLFOLIO_AWAITING_LISTING"_s, u"2"_s)
+                         .with(u"VLFOLIO_OTHER_AWAITING_LISTING"_s, u"14"_s);
     if (!underSanitizer)
         run.preloading(QStringLiteral(VLFOLIO_LIMITED_MEMORY));
     const auto outcome = run.run();
@@ -1088,7 +1088,7 @@ void tst_vlfolio_classify::progressIsNotNeeded()
                              .before([] { ChildSteps::limitMemory(4UL * 1024 * 1024); })
                              .run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("Memory cannot be limited here");
     QCOMPARE(outcome.terminal, QByteArray());
     QCOMPARE(outcome.output, picturesList);
@@ -1102,11 +1102,11 @@ void tst_vlfolio_classify::argumentsNeedMemory()
     // More than the program may take once it has begun.
     const QStringList names(10, QString(100'000, u'x'));
 
-    const auto outcome = HostProgram(QStringList { u"--explain"_s } + names)
+    const auto outcome = ProgramRun(QStringList { u"--explain"_s } + names)
                              .before([] { ChildSteps::limitMemory(2UL * 1024 * 1024); })
                              .run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("Memory cannot be limited here");
     QCOMPARE(outcome.error, QByteArray("vlfolio-classify: out of memory\n"));
     QCOMPARE(outcome.output, QByteArray());

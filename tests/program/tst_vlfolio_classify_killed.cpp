@@ -1,5 +1,5 @@
-#include "HostProgram.h"
 #include "PictureTree.h"
+#include "ProgramRun.h"
 
 #include <QtCore/QDirIterator>
 #include <QtCore/QFile>
@@ -53,9 +53,9 @@ void addManyLongNames(const PictureTree& tree)
 
 // The program, with a shell's command before its n-th call that opens, closes, writes or changes
 // something. "{}" is the tree.
-HostProgram::Outcome runWith(const PictureTree& tree, long nth, const QString& command)
+ProgramRun::Outcome runWith(const PictureTree& tree, long nth, const QString& command)
 {
-    return HostProgram({ u"--no-open"_s, tree.path(u"pics"_s) })
+    return ProgramRun({ u"--no-open"_s, tree.path(u"pics"_s) })
         .in(tree.path(u"pics"_s))
         .preloading(QStringLiteral(VLFOLIO_COMMAND_AT_CALL))
         .with(u"VLFOLIO_COMMAND_AT_CALL"_s, u"%1 %2"_s.arg(nth).arg(tree.filled(command)))
@@ -112,12 +112,12 @@ void tst_vlfolio_classify_killed::damagesNothing()
     const PictureTree tree;
     addManyLongNames(tree);
     const QStringList pictures = picturesIn(tree);
-    QCOMPARE(HostProgram({ tree.path(u"pics"_s) }).run().exitCode, 0);
+    QCOMPARE(ProgramRun({ tree.path(u"pics"_s) }).run().exitCode, 0);
     const QByteArray newReport = tree.content(reportName);
     QVERIFY(newReport.size() > 2 * 8192 && newReport.endsWith("</html>\n"));
 
-    int withOld = 0;
-    int withNew = 0;
+    int timesOld = 0;
+    int timesNew = 0;
     for (long nth = first;; nth += step) {
         tree.addFile(reportName, "old");
         const auto killed = runWith(tree, nth, u"kill -%1 $PPID"_s.arg(signal));
@@ -138,13 +138,13 @@ void tst_vlfolio_classify_killed::damagesNothing()
         // What is left there would take calls of the next run.
         for (const QString& left : tree.names(u"pics"_s).filter(u".vlfolio-"_s))
             QDir(tree.path(u"pics/"_s + left)).removeRecursively();
-        withOld += int(report == "old");
-        withNew += int(report == newReport);
+        timesOld += int(report == "old");
+        timesNew += int(report == newReport);
     }
     // From the first call to the one that puts the new report in place, and behind that.
-    QVERIFY(withOld > 10);
-    QVERIFY(withNew > 0 || step > 1);
-    qInfo("killed with the old report %d times, with the new one %d times", withOld, withNew);
+    QVERIFY(timesOld > 10);
+    QVERIFY(timesNew > 0 || step > 1);
+    qInfo("killed with the old report %d times, with the new one %d times", timesOld, timesNew);
 }
 
 void tst_vlfolio_classify_killed::cannotBeSteered_data()
@@ -198,7 +198,7 @@ void tst_vlfolio_classify_killed::twoRunsAtOnce()
     const PictureTree tree;
     tree.addFolder(u"pics/2019/Juli"_s);
     const auto reportIn = [&tree](const QString& locale) {
-        const auto outcome = HostProgram({ u"--locale"_s, locale, tree.path(u"pics"_s) }).run();
+        const auto outcome = ProgramRun({ u"--locale"_s, locale, tree.path(u"pics"_s) }).run();
         return outcome.exitCode == 0 ? tree.content(reportName) : QByteArray();
     };
     const QByteArray german = reportIn(u"de"_s);
@@ -240,8 +240,8 @@ void tst_vlfolio_classify_killed::leavesWholeProgressLines()
     tree.addPictures();
 
     // Each folder is opened and closed; the second listing awaits a line.
-    const auto killed = HostProgram({ u"--no-open"_s, tree.path(u"pics"_s) })
-                            .error(HostProgram::Stream::Terminal)
+    const auto killed = ProgramRun({ u"--no-open"_s, tree.path(u"pics"_s) })
+                            .error(ProgramRun::Stream::Terminal)
                             .preloading(QStringLiteral(VLFOLIO_COMMAND_AT_CALL))
                             .preloading(QStringLiteral(VLFOLIO_SLOW_LISTINGS))
                             .with(u"VLFOLIO_COMMAND_AT_CALL"_s, u"16 kill -%1 $PPID"_s.arg(signal))

@@ -1,4 +1,4 @@
-#include "HostProgram.h"
+#include "ProgramRun.h"
 #include "RawDirectory.h"
 #include "Sanitizer.h"
 
@@ -13,7 +13,7 @@
 
 using namespace Qt::StringLiterals;
 
-using Stream = HostProgram::Stream;
+using Stream = ProgramRun::Stream;
 
 namespace {
 
@@ -81,7 +81,7 @@ void tst_vlfolio_classify_large::progressIsShownAndTakenAway()
     QFETCH(QString, step);
     QFETCH(qsizetype, lines);
 
-    const auto outcome = HostProgram({ option, m_tree.path() })
+    const auto outcome = ProgramRun({ option, m_tree.path() })
                              .error(Stream::Terminal)
                              .preloading(QStringLiteral(VLFOLIO_SLOW_LISTINGS))
                              .with(u"VLFOLIO_AWAITING_LISTING"_s, u"20"_s)
@@ -149,9 +149,9 @@ void tst_vlfolio_classify_large::memoryIsShort()
     constexpr unsigned long limit = 8UL * 1024 * 1024;
 
     const auto outcome =
-        HostProgram({ option, m_tree.path() }).before([] { ChildSteps::limitMemory(limit); }).run();
+        ProgramRun({ option, m_tree.path() }).before([] { ChildSteps::limitMemory(limit); }).run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("Memory cannot be limited here");
     QCOMPARE(outcome.error, "vlfolio-classify: out of memory\n"_ba);
     QCOMPARE(outcome.output, QByteArray());

@@ -8,7 +8,7 @@
 #include <functional>
 
 /// One run of the program that is tested, and what was seen of it from outside.
-class HostProgram
+class ProgramRun
 {
 public:
     /// What a standard stream of the program is.
@@ -31,26 +31,26 @@ public:
     /// What the child reports with this code could not be set up: nothing was tested.
     static constexpr int setUpFailed = 125;
 
-    explicit HostProgram(QStringList arguments)
+    explicit ProgramRun(QStringList arguments)
         : m_arguments(std::move(arguments))
     {
     }
 
-    HostProgram& in(const QString& directory);
-    HostProgram& with(const QString& variable, const QString& value);
-    HostProgram& with(const QHash<QString, QString>& variables);
+    ProgramRun& in(const QString& directory);
+    ProgramRun& with(const QString& variable, const QString& value);
+    ProgramRun& with(const QHash<QString, QString>& variables);
     /// Loads \a library into the program. May be called more than once.
-    HostProgram& preloading(const QString& library);
-    HostProgram& output(Stream stream);
-    HostProgram& error(Stream stream);
-    HostProgram& outputFile(const QString& path);
-    HostProgram& opener(Opener opener);
+    ProgramRun& preloading(const QString& library);
+    ProgramRun& output(Stream stream);
+    ProgramRun& error(Stream stream);
+    ProgramRun& outputFile(const QString& path);
+    ProgramRun& opener(Opener opener);
     /// Sets how many columns the terminal has.
-    HostProgram& columns(unsigned short number);
+    ProgramRun& columns(unsigned short number);
     /// Begins the program with the signal of a closed pipe ignored.
-    HostProgram& ignoringClosedPipes();
+    ProgramRun& ignoringClosedPipes();
     /// What the child does before the program begins. Nothing in it may allocate.
-    HostProgram& before(const std::function<void()>& step);
+    ProgramRun& before(const std::function<void()>& step);
 
     /// Runs the program to its end, and to the end of an opener that it started. The program ends
     /// with this process.
@@ -70,7 +70,7 @@ private:
     std::function<void()> m_before;
 };
 
-/// Steps for HostProgram::before(). Each ends the child with HostProgram::setUpFailed when the
+/// Steps for ProgramRun::before(). Each ends the child with ProgramRun::setUpFailed when the
 /// system does not allow it.
 namespace ChildSteps {
 

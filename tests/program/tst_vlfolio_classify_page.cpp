@@ -1,5 +1,5 @@
-#include "HostProgram.h"
 #include "PictureTree.h"
+#include "ProgramRun.h"
 
 #include <QtCore/QDateTime>
 #include <QtCore/QDir>
@@ -43,9 +43,9 @@ namespace {
 
 const QString desktop = u"DISPLAY"_s;
 
-HostProgram pageOf(const PictureTree& tree, const QString& page, const QStringList& options = {})
+ProgramRun pageOf(const PictureTree& tree, const QString& page, const QStringList& options = {})
 {
-    return HostProgram(options + QStringList { u"--page"_s, page, u"pics"_s }).in(tree.path());
+    return ProgramRun(options + QStringList { u"--page"_s, page, u"pics"_s }).in(tree.path());
 }
 
 QByteArray failure(const PictureTree& tree, const QString& page, const QString& reason)
@@ -96,7 +96,7 @@ void tst_vlfolio_classify_page::needsNoWriteAccessToTheCollection()
 
     const auto outcome = pageOf(tree, u"page.html"_s).before(&ChildSteps::obeyPermissions).run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("The superuser's rights cannot be dropped here.");
     QCOMPARE(outcome.error, QByteArray());
     QCOMPARE(outcome.exitCode, 0);
@@ -124,7 +124,7 @@ void tst_vlfolio_classify_page::opens()
     // Markup keeps a report from being opened, but not a page.
     tree.addFolder(u"pics/<script>"_s);
 
-    HostProgram program = pageOf(tree, u"page.html"_s, options);
+    ProgramRun program = pageOf(tree, u"page.html"_s, options);
     if (hasDesktop)
         program.with(desktop, u":0"_s);
     const auto outcome = program.run();
@@ -154,7 +154,7 @@ void tst_vlfolio_classify_page::failureToOpenIsTold()
 
     const auto outcome = pageOf(tree, u"page.html"_s, options)
                              .with(desktop, u":0"_s)
-                             .opener(HostProgram::Opener::Missing)
+                             .opener(ProgramRun::Opener::Missing)
                              .run();
 
     QCOMPARE(outcome.error,
@@ -194,7 +194,7 @@ void tst_vlfolio_classify_page::refusedPlaces()
     const auto outcome =
         pageOf(tree, page, { u"--open"_s }).before(&ChildSteps::obeyPermissions).run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("The superuser's rights cannot be dropped here.");
     QCOMPARE(outcome.error, failure(tree, page, reason));
     QCOMPARE(outcome.output, QByteArray());
@@ -332,7 +332,7 @@ void tst_vlfolio_classify_page::namesAllThatIsLeftOut()
 
     const auto outcome = pageOf(tree, u"page.html"_s).before(&ChildSteps::obeyPermissions).run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("The superuser's rights cannot be dropped here.");
     const QByteArray page = tree.content(u"page.html"_s);
     // In the order in which the system lists the two.
@@ -362,14 +362,14 @@ void tst_vlfolio_classify_page::collectionAtTheRootOfTheFileSystem()
     tree.addFolder(u"2019/Beach"_s);
 
     // No path leads through a descriptor where there is no /proc.
-    const auto outcome = HostProgram({ u"--page"_s, u"/page.html"_s, u"/"_s })
+    const auto outcome = ProgramRun({ u"--page"_s, u"/page.html"_s, u"/"_s })
                              .preloading(QStringLiteral(VLFOLIO_CHANGED_ROOT))
                              // The leak detector would look for itself in /proc.
                              .with(u"LSAN_OPTIONS"_s, u"detect_leaks=0"_s)
                              .with(u"VLFOLIO_TEST_ROOT"_s, tree.path())
                              .run();
 
-    if (outcome.exitCode == HostProgram::setUpFailed)
+    if (outcome.exitCode == ProgramRun::setUpFailed)
         QSKIP("The root of the file system cannot be changed here.");
     QCOMPARE(outcome.output, "/page.html\n"_ba);
     QCOMPARE(outcome.error, QByteArray());
