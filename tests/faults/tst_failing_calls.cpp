@@ -124,6 +124,7 @@ private Q_SLOTS:
     void programReadsEachFolder_data();
     void programReadsEachFolder();
 
+    void constructorAsksTheSystemForNothing();
     void fullDiskLeavesAnEmptyReport();
     void listingThatBreaksOffIsTold_data();
     void listingThatBreaksOffIsTold();
@@ -303,6 +304,18 @@ void tst_failing_calls::programReadsEachFolder()
     const auto folders = m_tree.folders().mid(1);
     for (const FoundFolder& folder : folders)
         QCOMPARE(opened.count(u"open "_s + folder.path), times);
+}
+
+void tst_failing_calls::constructorAsksTheSystemForNothing()
+{
+    for (const char* const call : { "access", "open", "realpath", "stat" }) {
+        arm(call, forGood, forGood, EIO, m_tree.root());
+        const VLFolioEventClassifier subject { QFileInfo(m_tree.root()) };
+        QCOMPARE(vlFailingCallCount(), 0);
+    }
+    QVERIFY(QFileInfo(m_tree.root()).isDir());
+    QVERIFY(vlFailingCallCount() > 0);
+    vlDisarmFailingCall();
 }
 
 // One refused write would be made good when the file is closed.
