@@ -33,8 +33,8 @@ public:
         }
         note(!m_path.isEmpty());
     }
-    /// With these entries, as make() has them. Ends the program if they cannot be made, unless it is
-    /// for names that are not UTF-8.
+    /// With these entries, as make() has them. Ends the program if they cannot be made, unless it
+    /// is for names that are not UTF-8.
     explicit RawDirectory(const QByteArrayList& entries)
         : RawDirectory()
     {

@@ -301,7 +301,9 @@ void tst_walk::ownType_data()
     row("root_through_its_child", "pics", u"pics/2019/.."_s, Type::Root);
     row("root_through_link_beside_it", "pics", u"pics/2019/../back"_s, Type::Root);
     row("root_through_link_with_a_date", "pics", u"pics/2019-07-14"_s, Type::Root);
+#ifndef Q_OS_DARWIN // Its file system folds case and normal forms.
     row("root_in_capitals_is_another", "pics", u"PICS"_s, Type::Unknown);
+#endif
     row("name_of_the_root_elsewhere", "pics", u"pics/2019/pics"_s, Type::Unknown);
     row("above_root", "pics", u"."_s, Type::Unknown);
     row("year", "pics", u"pics/2019"_s, Type::Year);
@@ -411,11 +413,15 @@ void tst_walk::tree_data()
     // fullwidth letters. A folder's tree is whole before its neighbours "2019-x" and "C D".
     row("order_of_utf_16_code_units",
         { "a/", "B/", "Z/", "_/", "9/", "10/", "2019-x/", "2019/01/", "C D/", "CD/", "C/x/",
-          "\uff21/", "\U0001f600/", "\u00e9/", "e\u0301/", "y/" },
+          "\uff21/", "\U0001f600/", "\u00e9/", "y/" },
         { " Root", "/10 Month", "/2019 Year", "/2019/01 Month", "/2019-x Year", "/9 Month",
           "/B Unknown", "/C Unknown", "/C/x Unknown", "/C D Unknown", "/CD Unknown", "/Z Unknown",
-          "/_ Unknown", "/a Unknown", "/e\u0301 Unknown", "/y Unknown", "/\u00e9 Unknown",
-          "/\U0001f600 Unknown", "/\uff21 Unknown" });
+          "/_ Unknown", "/a Unknown", "/y Unknown", "/\u00e9 Unknown", "/\U0001f600 Unknown",
+          "/\uff21 Unknown" });
+#ifndef Q_OS_DARWIN // Both are one folder there.
+    row("normal_forms_are_two_names", { "Caf\u00e9/", "Cafe\u0301/" },
+        { " Root", "/Cafe\u0301 Unknown", "/Caf\u00e9 Unknown" });
+#endif
     row("hidden_folders_are_left_out",
         { ".hidden/2019/07/", "2018/.2018-07-14/Beach/", ".../", "2019/", ".link -> 2019",
           "link -> .hidden" },
@@ -724,9 +730,11 @@ void tst_walk::photokitPath_data()
     QTest::newRow("root_is_root_first")
         << true << u"photokit/2019/07"_s << u"photokit/2019/07"_s
         << QByteArrayList { "photokit/2019/07 Root", "photokit/2019/07/2019-07-14 Event" };
+#ifndef Q_OS_DARWIN // "photokit" is the same folder there.
     QTest::newRow("prefix_is_case_sensitive")
         << true << elsewhere << u"Photokit"_s
         << QByteArrayList { "Photokit Unknown", "Photokit/2019 Year", "Photokit/2019/07 Month" };
+#endif
     // To the system the same path is a file like any other.
     QTest::newRow("absolute_path_counts")
         << false << elsewhere << u"photokitten"_s
