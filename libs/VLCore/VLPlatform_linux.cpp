@@ -88,6 +88,8 @@ public:
     // Not readdir(), which takes the error ENOENT for the end of the directory.
     void readAll()
     {
+        // Not initialized: the system writes what is read.
+        // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
         alignas(dirent64) std::array<char, size_t(16) * 1024> buffer;
         ssize_t used = 0;
         while ((used = ::getdents64(m_directory.descriptor(), buffer.data(), buffer.size())) > 0)
