@@ -22,12 +22,21 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS
     "${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME "libvlfolioeventclassifier${PROJECT_VERSION_MAJOR}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_DESCRIPTION "Classifier of the folders of picture collections (libraries)
+The shared libraries VLFolioEventClassifier and VLCore, which tell by their names what the folders
+of a picture collection are: years, months, days, events or project folders.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME "libvlfolioeventclassifier-dev")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "Classifier of the folders of picture collections (development)
+What is needed to build applications with VLFolioEventClassifier: headers, and the files by which
+CMake and pkg-config find the libraries.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "qt6-base-dev (>= 6.4)")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME "vlfolio-classify")
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION graphics)
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Classifier of the folders of picture collections (program)
+The program vlfolio-classify tells by their names what the folders of a picture collection are:
+years, months, days, events or project folders. It writes a report or a page, or prints them.")
 set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_LIST_DIR}/VLPackagesByKind.cmake")
 
 include(CPack)

@@ -45,6 +45,13 @@ depends_on libvlfolioeventclassifier-dev "libvlfolioeventclassifier1 (= 1.0.0),"
     "qt6-base-dev (>= 6.4),"
 depends_on vlfolio-classify "libvlfolioeventclassifier1 (= 1.0.0)," "libqt6core6"
 
+descriptions=$(for package in "$packages"/*.deb; do
+    dpkg-deb --field "$package" Description
+done | grep -o '^Classifier of the folders of picture collections (.*)' | sort)
+expect "what the packages say they hold" "$(printf '%s\n' \
+    "Classifier of the folders of picture collections "{'(development)','(libraries)','(program)'})" \
+    "$descriptions"
+
 soname() {
     readelf --dynamic "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p'
 }
