@@ -34,7 +34,7 @@ constexpr std::array allTypes {
 };
 // clang-format on
 
-// A folder of the outcome, and how many files are in it if that was asked for.
+// A folder that the walk found. Its files are counted only for --json.
 struct Folder
 {
     VLEventFolderClassificationResult result;
@@ -51,8 +51,8 @@ qsizetype filesIn(const VLEventFolderClassificationResult& result, const Program
     return platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath())).size();
 }
 
-// Only a JSON object tells how many files there are: for the other commands each folder is read
-// once.
+// Only --json shows how many files there are. For the other commands the files are not counted, so
+// that each folder is read only once.
 QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath,
                          const ProgramPlatform& platform)
 {
@@ -71,7 +71,7 @@ QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath
     return folders;
 }
 
-// The root's path and the slash behind it.
+// The length of the root's path, including the slash behind it.
 int prefixLength(const QString& rootPath)
 {
     return static_cast<int>(rootPath.endsWith(u'/') ? rootPath.size() : rootPath.size() + 1);

@@ -20,7 +20,7 @@ struct ActionRow
     CommandLine::Action action = CommandLine::Action::Report;
 };
 
-// The first two win over everything else; of the others only one may be given.
+// The first two take precedence over everything else. Of the others only one may be given.
 constexpr std::array actionTable {
     ActionRow { "help"_L1, CommandLine::Action::Help },
     ActionRow { "version"_L1, CommandLine::Action::Version },
@@ -48,7 +48,7 @@ std::optional<VLEventFolderType> typeNamed(const QString& name)
 {
     const auto* const table = VLEventFolderType().enumToStringTable();
     const VLEventFolderTypeEnum value = table->valueFor(name);
-    // An unknown name reads as Unknown, which has a name of its own.
+    // A name that is no type's is read as Unknown, so the names have to be compared.
     if (table->nameFor(value).compare(name, Qt::CaseInsensitive) != 0)
         return std::nullopt;
     return value;
@@ -91,7 +91,7 @@ bool worksOnDirectory(CommandLine::Action action)
     return action != CommandLine::Action::Explain && action != CommandLine::Action::Locales;
 }
 
-// What the parser has found wrong, in the words of the other messages.
+// Returns what the parser found wrong, worded like the program's other messages.
 QString parserError(QCommandLineParser& parser, const QStringList& arguments)
 {
     if (!parser.unknownOptionNames().isEmpty())
@@ -102,7 +102,7 @@ QString parserError(QCommandLineParser& parser, const QStringList& arguments)
     return text.at(0).toLower() + text.sliced(1);
 }
 
-// Sets the action, or says that two were asked for.
+// Sets the action. Returns what is wrong if two were asked for, or an empty string.
 QString readAction(const QCommandLineParser& parser, CommandLine& commandLine)
 {
     QString chosen;
@@ -183,7 +183,7 @@ QString readWhy(const QCommandLineParser& parser, CommandLine& commandLine)
         : QString();
 }
 
-// Why no folder can have a name of this pattern, or an empty string.
+// Returns why this pattern can match no folder's name, or an empty string if it can.
 QString patternProblem(const QString& pattern)
 {
     if (pattern.isEmpty())
@@ -220,7 +220,7 @@ QString readLocale(const QCommandLineParser& parser, CommandLine& commandLine)
     return {};
 }
 
-// What keeps the names from being explained, or an empty string.
+// Returns why the names cannot be explained, or an empty string if they can.
 QString namesProblem(const QStringList& names)
 {
     if (names.isEmpty())

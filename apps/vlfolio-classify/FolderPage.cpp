@@ -23,7 +23,7 @@ struct TypeRow
     QLatin1StringView meaning;
 };
 
-// As the page lists them. What nobody could place comes last, to be looked at.
+// The types in the order of the page. Unknown comes last, as those folders are left to be checked.
 constexpr std::array typeRows {
     TypeRow { VLEventFolderTypeEnum::Root, "the collection itself"_L1 },
     TypeRow { VLEventFolderTypeEnum::Year, "pictures of a year"_L1 },
@@ -123,7 +123,7 @@ QString choice(const QString& value, const QString& label, qsizetype count, bool
 )"_s.arg(value, isChosen ? u" checked"_s : QString(), label, grouped(count));
 }
 
-// A script shows them, as without it they do nothing.
+// The controls are hidden until the script shows them, because they do nothing without it.
 QString controls(const QList<PageFolder>& folders)
 {
     QString text = uR"(<div class="controls" role="search" hidden>
@@ -135,7 +135,7 @@ QString controls(const QList<PageFolder>& folders)
         const auto count = std::count_if(folders.cbegin(), folders.cend(), [&](const auto& folder) {
             return folder.isOfType(row.type);
         });
-        // There is one root, and it is the first row.
+        // A filter for the root would be of no use: it is always the first row.
         if (count > 0 && row.type != VLEventFolderTypeEnum::Root)
             text += choice(nameOf(row.type), nameOf(row.type), count, false);
     }

@@ -14,7 +14,7 @@ struct TypeWords
     QLatin1StringView ground;
     /// A folder of this type, as the subject of a sentence.
     QLatin1StringView folder;
-    /// The same as what such a folder is.
+    /// A folder of this type, as what another folder is said to be.
     QLatin1StringView itself;
 };
 
@@ -41,7 +41,8 @@ QString nameOf(const VLEventFolderType& type)
     return type.name();
 }
 
-// Where a name alone says too little, the folder above is named even if it changes nothing.
+// Whether the type of such a folder depends on the folder above. The reason then names that folder
+// even if the type stays what it was.
 bool dependsOnPlace(const VLEventFolderType& ownType)
 {
     return ownType == VLEventFolderTypeEnum::Unknown || ownType == VLEventFolderTypeEnum::Day;
@@ -89,7 +90,8 @@ FolderReasons::Reason FolderReasons::reason() const
     const VLEventFolderType typeAbove =
         m_path.size() > 1 ? m_path.at(m_path.size() - 2).classification() : VLEventFolderType();
     const QFileInfo directory = result.directory();
-    // The folder above makes nothing but events. Of all others the walk has told the own type.
+    // The folder above can only turn a folder into an event, so any other type in the result is the
+    // folder's own.
     const VLEventFolderType ownType = result.classification() == VLEventFolderTypeEnum::Event
         ? m_classifier.eventFolderType(directory).classification()
         : result.classification();

@@ -8,8 +8,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// Says of one folder after the other why it is what it is. All of it is put together from answers
-/// of the library, which is asked anew.
+/// Gives, for one folder after the other, the reason for its type. The reasons are derived from
+/// what the library answers when it is asked about each folder once more.
 class FolderReasons
 {
 public:
@@ -19,17 +19,17 @@ public:
         VLEventFolderType ownType;
         /// The tests that its name meets: any of "project", "date", "month" and "year".
         QStringList tests;
-        /// Both in words, and what the folder above made of it.
+        /// Both in words, followed by what the folder above made of it.
         QString text;
-        /// How many folders it lies in, up to the root of the walk.
+        /// How many levels below the root of the walk the folder lies; 0 for the root itself.
         qsizetype depth = 0;
     };
 
     /// \param root the root of the walk.
     explicit FolderReasons(const QFileInfo& root);
 
-    /// Goes on to the folder of \a result. All must be entered, in the order of the walk: a folder
-    /// is judged by the one above it.
+    /// Goes on to the folder of \a result. Every result has to be entered, in the order of the
+    /// walk, because the type of a folder depends on the folder above it.
     void enter(const VLEventFolderClassificationResult& result);
 
     /// The reason for the folder that was entered last.
@@ -41,6 +41,6 @@ public:
 
 private:
     VLFolioEventClassifier m_classifier;
-    /// The folder that was entered last, below all those that it lies in.
+    /// The folders from the root down to the one that was entered last.
     QList<VLEventFolderClassificationResult> m_path;
 };

@@ -12,10 +12,10 @@ using namespace PageText;
 
 namespace {
 
-// Browsers nest no more than some hundred elements, and a row needs some width.
+// Browsers nest only some hundred elements, and a row that is indented further has no width left.
 constexpr qsizetype maximumDepth = 24;
 
-// What lies below the folder at \a position, at any depth.
+// Adds up what lies below the folder at \a position, at any depth.
 PageAmount amountBelow(const QList<PageFolder>& folders, qsizetype position)
 {
     const qsizetype depth = folders.at(position).reason.depth;
@@ -52,7 +52,7 @@ public:
     }
 
 private:
-    // Depths begin at 0, and go up by one at most.
+    // The first folder has depth 0, and each is at most one level deeper than the one before.
     [[nodiscard]] qsizetype depthAt(qsizetype position) const
     {
         return position < m_folders.size()
@@ -60,7 +60,7 @@ private:
             : 0;
     }
 
-    // The ends of all elements down to those of \a depth.
+    // Ends all open elements that are deeper than \a depth or at it.
     QString ends(qsizetype depth)
     {
         QString text;
@@ -96,7 +96,7 @@ private:
             + u"\n<span class=\"type\">%1</span>\n<span class=\"amount%2\">%3</span>\n"
               "<span class=\"why\">%4"_s.arg(nameOf(folder.result.classification()), none,
                                              fileCount(folder.fileCount), folder.reason.text)
-            + omission(folder) + u"</span>"_s;
+            + incompleteNote(folder) + u"</span>"_s;
     }
 
     [[nodiscard]] QString nameCell(qsizetype position, bool folds) const
@@ -110,7 +110,8 @@ private:
                 folderCount(below.folders), fileCount(below.files));
     }
 
-    // With the names of those folders above it that its place does not show.
+    // The name of the folder, preceded by the names of those above it that the nesting does not
+    // show.
     [[nodiscard]] QString nameAt(qsizetype position) const
     {
         if (position == 0)
@@ -120,18 +121,18 @@ private:
         return folder.result.directory().absoluteFilePath().section(u'/', -1 - unseen);
     }
 
-    [[nodiscard]] static QString omission(const PageFolder& folder)
+    [[nodiscard]] static QString incompleteNote(const PageFolder& folder)
     {
         if (folder.isComplete())
             return {};
         return u"\n<span class=\"incomplete\">not complete: %1</span>"_s.arg(
-            shown(folder.omission));
+            shown(folder.incompleteReasons));
     }
 
     QFile& m_file;
     QString m_rootName;
     const QList<PageFolder>& m_folders;
-    // What ends the folder that was written last and each one that it lies in.
+    // The tags that end the folder that was written last, and each folder that it lies in.
     QStringList m_ends;
 };
 

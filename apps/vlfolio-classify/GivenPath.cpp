@@ -17,10 +17,10 @@ using namespace Qt::StringLiterals;
 
 QString GivenPath::absolute(const QString& given)
 {
-    // Qt takes a path that begins with ":" for one within the program.
+    // Qt takes a path that begins with ":" for one of a resource in the program.
     const QString spelled = given.startsWith(u':') ? u"./"_s + given : given;
-    // Qt takes "name/.." for the folder that holds the name; the system asks whether that name is
-    // there and where a link leads.
+    // Qt shortens "name/.." without looking at the file system. To the system the path is valid
+    // only if the name exists, and leads elsewhere if it is that of a link.
     const QFileInfo file(spelled);
     if (spelled.split(u'/').contains(u".."_s))
         return file.exists() ? file.canonicalFilePath() : QDir::current().filePath(spelled);
@@ -30,7 +30,8 @@ QString GivenPath::absolute(const QString& given)
     return path;
 }
 
-// Asked of the system, which tells a directory that is not there from one that cannot be looked at.
+// The system is asked, because QFileInfo does not distinguish a directory that does not exist from
+// one that may not be looked at.
 QString GivenPath::directoryProblem(const QString& given, const QString& path)
 {
     if (!path.startsWith(u'/'))
@@ -41,7 +42,8 @@ QString GivenPath::directoryProblem(const QString& given, const QString& path)
         return errno == ENOENT ? u"it does not exist"_s : Terminal::errorText(errno);
     if (!S_ISDIR(status.st_mode))
         return u"it is not a directory"_s;
-    // The way to the working directory and what a link holds may be anything.
+    // The path of the working directory or the target of a link may hold bytes that are not UTF-8.
+    // The decoded path then leads elsewhere.
     if (!(FileIdentity(given) == FileIdentity(path)))
         return u"its path is not UTF-8"_s;
     const int directory = open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -49,7 +49,7 @@ QString incompleteName(const IncompleteListing& listing)
 QString incompleteReason(const QString& path, const IncompleteListing& listing)
 {
     QString sentence = rowOf(listing).sentence;
-    // Not one after the other: a path may hold "%2".
+    // Both are replaced by one call, because the path may itself contain "%2".
     return listing.problem == Problem::UndecodableName
         ? sentence.arg(path)
         : sentence.arg(path, Terminal::errorText(listing.systemError));

@@ -6,7 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What makes a browser start a tag or a comment. A lone "<" between words does not.
+// Whether a browser starts a tag or a comment where \a next follows a "<". A "<" between blanks is
+// only text.
 bool startsMarkup(QChar next)
 {
     const char16_t unit = next.unicode();
@@ -25,8 +26,8 @@ bool holdsMarkup(const QString& text, qsizetype from)
     return false;
 }
 
-// Where markup can begin that is not in the row of the folder above: a name that ends with "<"
-// becomes markup by the slash behind it.
+// Where markup can begin that the row of the folder above does not hold. That is one character
+// before the last slash: a name that ends with "<" becomes markup by the slash behind it.
 qsizetype startOfNewPart(const QString& path)
 {
     return std::max<qsizetype>(path.lastIndexOf(u'/') - 1, 0);

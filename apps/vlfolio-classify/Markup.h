@@ -9,12 +9,14 @@
 /// Markup in the report, which holds names as they are.
 namespace Markup {
 
-/// The folders of \a results, a walk's from \a rootPath on, in whose rows a browser finds markup
-/// that it does not find in the row of the folder above: paths below the root, and the root's own.
+/// Returns the folders of \a results, the outcome of a walk from \a rootPath, in whose rows a
+/// browser finds markup that is not in the row of the folder above already. They are given as paths
+/// below the root; the root itself is given as its full path.
 [[nodiscard]] QStringList folders(const QList<VLEventFolderClassificationResult>& results,
                                   const QString& rootPath);
 
-/// Says in one line that \a folders, at least one, hold markup, and names the first ones.
+/// Returns one line saying that the names of \a folders hold markup, and naming the first three.
+/// \a folders must not be empty.
 [[nodiscard]] QString sentence(const QStringList& folders);
 
 } // namespace Markup

@@ -23,7 +23,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString omissionIn(const QString& path, const ProgramPlatform& platform)
+QString incompleteReasonsOf(const QString& path, const ProgramPlatform& platform)
 {
     QStringList reasons;
     const QList<IncompleteListing> listings = platform.incompleteListings(path);
@@ -46,12 +46,13 @@ QList<PageFolder> classified(const QString& rootPath, const ProgramPlatform& pla
         reasons.enter(result);
         const QString path = result.directory().absoluteFilePath();
         const qsizetype fileCount = platform.getDirectFilesInDirectory(QDir(path)).size();
-        folders.append({ result, reasons.reason(), fileCount, omissionIn(path, platform) });
+        folders.append(
+            { result, reasons.reason(), fileCount, incompleteReasonsOf(path, platform) });
     }
     return folders;
 }
 
-// Why the page could not be put in its place, or an empty string.
+// Writes the page. Returns why that failed, or an empty string.
 QString replacePage(const FolderPage& page, const QString& path)
 {
     WholeFile whole(path);

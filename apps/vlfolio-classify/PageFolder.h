@@ -7,20 +7,20 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-/// What the page tells of a folder.
+/// What the page shows of a folder.
 struct PageFolder
 {
     VLEventFolderClassificationResult result;
     FolderReasons::Reason reason;
     qsizetype fileCount = 0;
-    /// What of it is left out, and why; empty for a folder that is complete.
-    QString omission;
+    /// What its listings lack, and why; empty if they are complete.
+    QString incompleteReasons;
 
     [[nodiscard]] bool isOfType(VLEventFolderTypeEnum type) const
     {
         return result.classification() == type;
     }
-    [[nodiscard]] bool isComplete() const { return omission.isEmpty(); }
+    [[nodiscard]] bool isComplete() const { return incompleteReasons.isEmpty(); }
 };
 
 /// How many folders there are, and files in them.

@@ -23,7 +23,7 @@ QString parentOf(const QString& path)
     return path.size() > 1 ? u"/"_s : QString();
 }
 
-// The folder on the way to \a path that it leads back to, if it is a link that does.
+// Returns the folder above \a path to which it leads back, if it is a link that does.
 QString folderLedBackTo(const QString& path)
 {
     if (!FileIdentity::isLink(path))
@@ -100,9 +100,9 @@ bool ProgramPlatform::openFile(const QString& path, const QStringList& arguments
 {
     if (!m_opens)
         return true;
-    // The application meets limits on files as it would without this program.
+    // The program ignores SIGXFSZ. An application that it starts must not inherit that.
     const auto previous = std::signal(SIGXFSZ, SIG_DFL);
-    // The program says by itself what went wrong.
+    // The built-in service would log a warning. The program has a message of its own.
     auto* const category = QLoggingCategory::defaultCategory();
     const bool warned = category->isWarningEnabled();
     category->setEnabled(QtWarningMsg, false);
@@ -153,7 +153,8 @@ void ProgramPlatform::listingIncomplete(const QDir& directory, ListingProblem pr
         listings.append(listing);
 }
 
-// Every pattern is tried: each says whether it matched anything.
+// All patterns are tried even if one has matched already, because each that matches no folder at
+// all is told to the user.
 bool ProgramPlatform::isExcluded(const QString& name) const
 {
     bool excluded = false;

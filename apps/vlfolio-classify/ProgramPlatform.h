@@ -16,9 +16,9 @@
 #include <optional>
 #include <vector>
 
-/// The platform service of the program. The walk and the report list folders through it, so this is
-/// where folders are left out, counted, and watched for what cannot be read. In use for as long as
-/// it lives.
+/// The platform service of the program, in use for as long as it lives. The walk and the report
+/// list folders through it, so this is where folders are left out and counted, and where incomplete
+/// listings are noted.
 class ProgramPlatform : public VLPlatformIndependent
 {
 public:
@@ -30,7 +30,7 @@ public:
 
     /// Lets openFile() open what it is asked for. Without it, nothing is opened.
     void allowOpening();
-    /// Counts a file at \a path in its folder, whether it is there already or not.
+    /// Makes getDirectFilesInDirectory() list the file at \a path even while it does not exist yet.
     void expectFile(const QString& path);
 
     /// How many folders the walk has read. May be called from any thread.
@@ -38,13 +38,13 @@ public:
     /// In how many folders the files were counted. May be called from any thread.
     [[nodiscard]] int countedFolders() const;
 
-    /// What the listings of the folder at \a path lacked, each once.
+    /// Returns what the listings of the folder at \a path lacked, without duplicates.
     [[nodiscard]] QList<IncompleteListing> incompleteListings(const QString& path) const;
-    /// Says in a line each what was left out that nobody wanted to be, and what should be and was
-    /// not found.
+    /// Writes a line to standard error for each incomplete listing, for each link that leads back,
+    /// and for each pattern of a folder to exclude that matched none.
     void tellLeftOut() const;
 
-    /// Opens nothing unless that is allowed. Says why when that fails.
+    /// Opens the file if allowOpening() was called, and otherwise does nothing and returns true.
     bool openFile(const QString& path, const QStringList& arguments,
                   const QString& application) override;
     [[nodiscard]] QStringList getDirectFilesInDirectory(const QDir& directory) const override;
@@ -81,6 +81,6 @@ private:
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
     mutable QList<Circle> m_circles;
-    // Not a QMap nor a QHash, which end the program where there is no memory.
+    // This is neither a QMap nor a QHash, because these end the program where there is no memory.
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;
 };

@@ -19,7 +19,7 @@ constexpr auto clearLine = "\r\033[K";
 
 using Line = std::array<char, 120>;
 
-// A line that fills the terminal's last column would be followed by a new one on some.
+// On some terminals, a line that fills the last column would be followed by an empty one.
 bool fits(int length)
 {
     return length < Terminal::errorLineWidth();
@@ -57,7 +57,7 @@ void Progress::lookAgain(const char* step, int total)
     m_step = step;
 }
 
-// Takes no memory: there may be none left, and nobody catches what this thread throws.
+// This allocates no memory: there may be none left, and nothing catches what this thread throws.
 void Progress::show() const
 {
     Line full {};

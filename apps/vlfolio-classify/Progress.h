@@ -12,15 +12,15 @@ class ProgramPlatform;
 class Progress
 {
 public:
-    /// \param platform counts the folders that the walk reads, and those that are looked at again.
+    /// \param platform counts the folders that the walk reads, and those whose files are counted.
     explicit Progress(const ProgramPlatform& platform);
-    /// Takes the line away.
+    /// Ends the thread and clears the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// The walk is done, and \a total folders are looked at again. \a step says for what; it is not
-    /// copied.
+    /// Tells that the walk is done and that the files in \a total folders are going to be counted.
+    /// The line then begins with \a step, which is not copied.
     void lookAgain(const char* step, int total);
 
 private:
@@ -28,7 +28,7 @@ private:
     void show() const;
 
     const ProgramPlatform& m_platform;
-    // Null during the walk.
+    // This is null during the walk.
     std::atomic<const char*> m_step = nullptr;
     std::atomic<int> m_total = 0;
     std::mutex m_mutex;

@@ -44,7 +44,7 @@ QString reportPathFor(const CommandLine& commandLine, const QString& rootPath)
     return isFolder ? QDir(path).filePath(name) : path;
 }
 
-// Writes what was gathered in \a text. False when that fell short.
+// Writes \a text to \a file and clears it. Returns false if not all of it could be written.
 bool passOn(QString& text, QFile& file)
 {
     const QByteArray bytes = text.toUtf8();
@@ -52,13 +52,14 @@ bool passOn(QString& text, QFile& file)
     return WholeFile::writeAll(file, bytes);
 }
 
-// The report as renderToFile() writes it, which does not notice when a write falls short. Not from
-// a stream on the file, either: there, what is lost in one write is followed by the next.
+// Writes the report as renderToFile() does, which cannot be used because it does not notice when a
+// write falls short. Nor does a stream on the file: it goes on with the next write after one that
+// was lost.
 bool writeReport(const Results& results, int rootPathLength, QFile& file)
 {
     constexpr qsizetype pieceSize = 1 << 13;
-    // Not a list from an initializer list, nor a shared copy, which sorting would have to detach:
-    // both crash where memory is short.
+    // The lists are filled by append(). An initializer list, or a shared copy that sorting
+    // detaches, crashes where memory is short.
     QStringList nameFilters;
     nameFilters.append(u"*.*"_s);
     const Renderer renderer({}, rootPathLength, nameFilters);
@@ -79,7 +80,7 @@ bool writeReport(const Results& results, int rootPathLength, QFile& file)
     return passOn(text, file);
 }
 
-// Why the report could not be put in its place, or an empty string.
+// Writes the report. Returns why that failed, or an empty string.
 QString replaceReport(const Results& results, int rootPathLength, const QString& reportPath)
 {
     WholeFile report(reportPath);
@@ -94,7 +95,7 @@ QString replaceReport(const Results& results, int rootPathLength, const QString&
     return report.commit();
 }
 
-// Says that a browser would run some of the names in the report.
+// Tells the user if a browser would run some of the names in the report.
 void tellMarkup(CommandLine::Opening opening, const QStringList& foldersWithMarkup)
 {
     if (!foldersWithMarkup.isEmpty()) {
@@ -107,8 +108,8 @@ void tellMarkup(CommandLine::Opening opening, const QStringList& foldersWithMark
 
 } // namespace
 
-// start() does the same in the same order, but for what a program of its own can do better: the old
-// report stays until the new one is whole, and what goes wrong is told.
+// This does what VLFolioEventClassifier::start() does, in the same order, with two differences: the
+// old report stays until the new one is whole, and the user is told what went wrong.
 int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
 {
     const QString reportPath = reportPathFor(commandLine, rootPath);

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// What failed first; later writes cannot mend it.
+// The error of the first write that failed. Later writes that succeed do not undo it.
 int firstError = 0;
 
 bool isTerminal(std::FILE* stream)
@@ -56,8 +56,8 @@ void write(std::FILE* stream, const QString& text)
 
 void Terminal::occupyClosedStreams()
 {
-    // The lowest free number is taken each time. Read only: writing to a closed stream stays an
-    // error.
+    // Each call takes the lowest free descriptor. The device is opened for reading only, so that
+    // writing to a closed stream remains an error.
     int descriptor = 0;
     do {
         descriptor = open("/dev/null", O_RDONLY);

@@ -18,7 +18,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto directoryPrefix = ".vlfolio-classify-";
-// The same in each directory, so that one that was left holds nothing else to be removed.
+// The name is the same in every directory, so that it is known what to remove from one that was
+// left behind.
 constexpr auto fileName = "new";
 constexpr std::time_t oneDay = 24 * 60 * 60;
 
@@ -39,8 +40,9 @@ void closeIfOpen(int descriptor)
         close(descriptor);
 }
 
-// Somebody may have put another directory in the place of one just made. A file that is made in it
-// tells whose it should be: some file systems give everything one owner, whoever made it.
+// Another user may have put a directory in the place of the one just made. Its owner is therefore
+// compared with that of a new file in it. The user's id would not do, because some file systems
+// give everything one owner, whoever made it.
 bool isOwn(int directory)
 {
     const int file =
@@ -79,7 +81,7 @@ bool isSameDirectory(int directory, const char* path)
         && wanted.st_dev == found.st_dev && wanted.st_ino == found.st_ino;
 }
 
-// A system that keeps no data back has nothing to send off.
+// Some file systems cannot be asked to write out what they hold back. That is no failure.
 bool isSentOff(int file)
 {
     return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
@@ -117,8 +119,8 @@ QString WholeFile::error() const
 
 QString WholeFile::writingPath() const
 {
-    // A path through the descriptor stays what it is when the directory is moved and another one
-    // put in its place. Not every system has such paths.
+    // A path through the descriptor leads to the same directory even if that is moved and another
+    // one put in its place. Not every system has such paths.
     QByteArray path = "/proc/self/fd/" + QByteArray::number(m_directory);
     if (!isSameDirectory(m_directory, path.constData()))
         path = m_parentPath + '/' + m_directoryName;
@@ -152,7 +154,8 @@ QString WholeFile::obstacle(const QString& path, bool isGiven)
 
 bool WholeFile::writeAll(QFile& file, const QByteArray& bytes)
 {
-    // Only a write that writes nothing tells why.
+    // A write that falls short gives no reason. Writing the rest does: it writes nothing, and
+    // fails.
     qint64 written = 0;
     for (qint64 sum = 0; sum < bytes.size(); sum += written) {
         written = file.write(bytes.constData() + sum, bytes.size() - sum);
@@ -162,7 +165,7 @@ bool WholeFile::writeAll(QFile& file, const QByteArray& bytes)
     return true;
 }
 
-// Sets errno where that fails.
+// Returns false, with the reason in errno, if the directory could not be made.
 bool WholeFile::makeDirectory()
 {
     if (mkdirat(m_parent, m_directoryName.constData(), S_IRWXU) != 0)

@@ -7,8 +7,9 @@
 /// Puts a file in the place of another in one step: whoever looks finds the old one or the new one,
 /// each whole. What is written first lies in a private directory beside it, of a hidden name.
 ///
-/// Whoever may write into the folder can steer neither what is written nor the step: no path leads
-/// there twice. What a killed program has left is removed after a day, by the next WholeFile there.
+/// Other users who may write into the folder cannot redirect what is written, nor the step, because
+/// no path is resolved twice. What a killed program has left behind is removed by the next
+/// WholeFile in that folder once it is a day old.
 class WholeFile
 {
 public:
@@ -21,16 +22,17 @@ public:
     /// Why the directory could not be made; empty when it was.
     [[nodiscard]] QString error() const;
 
-    /// Where to write. It may name the directory by its descriptor, and only this process sees it
-    /// there, then.
+    /// Returns the path of the file to write. It may lead through a descriptor of this process, and
+    /// is then of no use to any other.
     [[nodiscard]] QString writingPath() const;
 
     /// Puts what was written in place. Returns why that failed, or an empty string.
     [[nodiscard]] QString commit();
 
-    /// Why no file can come to lie at \a path, or an empty string; for those who do much before
-    /// they write. A link or a pipe that someone has put there is replaced. If the path \a isGiven
-    /// by the user, it is more likely a mistake.
+    /// Returns why no file can be put at \a path, or an empty string if nothing is known to prevent
+    /// it. So a long run can fail before it begins. A link or a pipe at the path is an obstacle
+    /// only if the path \a isGiven by the user, who has probably made a mistake; elsewhere it is
+    /// replaced.
     [[nodiscard]] static QString obstacle(const QString& path, bool isGiven);
 
     /// Writes \a bytes to \a file, which must be unbuffered. Where that falls short, returns false,

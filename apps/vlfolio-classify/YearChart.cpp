@@ -19,16 +19,16 @@ struct Bar
     PageAmount amount;
 };
 
-// More would be a page of their own.
+// More bars would fill the page.
 constexpr qsizetype maximumBars = 60;
 constexpr int barDistance = 24;
 
-// A bar for each year, in the order of the tree, and one for what lies in none.
+// Returns a bar for each year, in the order of the tree, and a last one for what lies in no year.
 QList<Bar> barsOf(const QList<PageFolder>& folders, qsizetype prefix)
 {
     constexpr qsizetype none = 0;
     QList<Bar> bars { Bar { u"in no year"_s, {} } };
-    // Which bar each folder on the path to the current one belongs to.
+    // For each folder on the path to the current one, the position of the bar that it belongs to.
     QList<qsizetype> path;
     for (const PageFolder& folder : folders) {
         path.resize(folder.reason.depth);
@@ -42,7 +42,7 @@ QList<Bar> barsOf(const QList<PageFolder>& folders, qsizetype prefix)
     return bars;
 }
 
-// Keeps the largest bars, in their order, and adds the others up.
+// Keeps the largest bars, in their order, and adds up the others in one.
 QList<Bar> fitting(const QList<Bar>& bars)
 {
     if (bars.size() <= maximumBars)
@@ -64,7 +64,8 @@ QList<Bar> fitting(const QList<Bar>& bars)
     return kept;
 }
 
-// A bar that begins at \a start and its number, both measured in hundredths of the width.
+// Returns a bar that begins at \a start, with its number behind it. Positions and widths are in
+// percent of the width of the chart.
 QString barOf(QLatin1StringView kind, qsizetype amount, qsizetype largest, double start, int top)
 {
     constexpr double fullWidth = 25;
@@ -98,7 +99,7 @@ QString chartText(const QList<Bar>& bars)
     return texts.join(u"; "_s);
 }
 
-// Of a path that is long, the end says more than the beginning.
+// Only the last name of a path is kept, because it says more than those before it.
 QString shortened(const QString& path)
 {
     const qsizetype nameStart = path.lastIndexOf(u'/') + 1;

@@ -5,9 +5,11 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-/// The section of the page with a bar for each year, drawn as SVG: how many folders lie nearest
-/// below a year folder, itself included, and how many files. Empty where there is no year.
+/// Returns the section of the page with a bar for each year, drawn as SVG, or an empty string if
+/// there is no year. A bar shows how many folders and files belong to a year folder: the folder
+/// itself, and everything below it that is not in a year folder further down.
 ///
-/// \param folders all of a walk, in its order.
-/// \param prefix the length of what the names of the years leave out of their absolute paths.
+/// \param folders all folders of a walk, in its order.
+/// \param prefix how many code units at the start of an absolute path are left out of a year's
+/// name.
 [[nodiscard]] QString yearChart(const QList<PageFolder>& folders, qsizetype prefix);

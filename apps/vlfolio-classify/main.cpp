@@ -70,8 +70,9 @@ int run(const CommandLine& commandLine)
     }
 }
 
-// The arguments as they are on the command line; nothing if one is not UTF-8, which would be taken
-// for another name. Not by QString::fromUtf8(), which drops a byte order mark in front.
+// Returns the arguments as they are on the command line, or nothing if one is not UTF-8: decoded,
+// it would name another file. QString::fromUtf8() is not used, because it drops a byte order mark
+// at the beginning.
 std::optional<QStringList> decodedArguments(int argc, char* argv[], QString* error)
 {
     QStringList arguments;
@@ -105,14 +106,15 @@ int runProgram(int argc, char* argv[])
     return run(*commandLine);
 }
 
-// What makes the other messages needs memory.
+// The other messages are put together in memory that has to be allocated; this one is not.
 int tellLackOfMemory()
 {
     std::fputs("vlfolio-classify: out of memory\n", stderr);
     return EXIT_FAILURE;
 }
 
-// Some functions of Qt may not throw, and take memory all the same.
+// Some functions of Qt are noexcept and allocate memory all the same. This tells the user that it
+// ran out before the process ends.
 [[noreturn]] void endForGood()
 {
     try {
@@ -131,10 +133,11 @@ int tellLackOfMemory()
 int main(int argc, char* argv[])
 {
     Terminal::occupyClosedStreams();
-    // The system's messages come in the user's language, and in UTF-8 whatever that has.
+    // The system's messages come in the user's language, but always in UTF-8.
     std::setlocale(LC_ALL, "");
     std::setlocale(LC_CTYPE, "C.UTF-8");
-    // Where files may not grow further, writing tells why, as it does on a full disk.
+    // Where the size of files is limited, writing then fails with an error, as it does on a full
+    // disk.
     std::signal(SIGXFSZ, SIG_IGN);
     std::set_terminate(endForGood);
     try {
