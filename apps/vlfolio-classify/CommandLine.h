@@ -19,7 +19,7 @@ struct CommandLine
 
     Action action = Action::Report;
     Opening opening = Opening::Desktop;
-    /// Only folders of these types, for List, Json and Summary; all if empty.
+    /// The types of the folders that List, Json and Summary show; all types if empty.
     QList<VLEventFolderType> types;
     /// The file for Page.
     QString page;
@@ -34,14 +34,14 @@ struct CommandLine
     /// The directory, or the names to explain.
     QStringList operands;
 
-    /// Reads \a arguments, the program's name first. Without a value, \a error says in one line
-    /// what is wrong with them.
+    /// Reads \a arguments, of which the first is the program's name. If they are wrong, returns no
+    /// value and sets \a error to one line that says why.
     [[nodiscard]] static std::optional<CommandLine> parse(const QStringList& arguments,
                                                           QString* error);
 
-    /// The text of --help.
+    /// Returns the text of --help.
     [[nodiscard]] static QString helpText();
 
-    /// The names that --locale takes, sorted: those of Qt's own locales.
+    /// Returns the names that --locale takes, which are those of Qt's own locales, sorted.
     [[nodiscard]] static QStringList localeNames();
 };

@@ -5,17 +5,17 @@
 
 #include <sys/types.h>
 
-/// Which file a path leads to, however it is spelled.
+/// Identifies the file to which a path leads, however the path is spelled.
 class FileIdentity
 {
 public:
     explicit FileIdentity(const QString& path);
     explicit FileIdentity(const QByteArray& path);
 
-    /// True when both paths lead to one file that is there.
+    /// Returns true if both paths lead to the same existing file.
     [[nodiscard]] bool operator==(const FileIdentity& other) const;
 
-    /// True when \a path itself is a symbolic link.
+    /// Returns true if \a path itself is a symbolic link.
     [[nodiscard]] static bool isLink(const QString& path);
 
 private:

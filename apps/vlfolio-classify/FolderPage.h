@@ -14,11 +14,12 @@
 class FolderPage
 {
 public:
-    /// \param folders all of the walk below \a rootPath, in its order. Kept by reference.
+    /// \param folders all folders of the walk from \a rootPath, in its order. They are kept by
+    ///     reference and have to outlive the page.
     FolderPage(const QString& rootPath, const QList<PageFolder>& folders);
 
-    /// Writes the page to \a file, which must be unbuffered. Where that falls short, returns false,
-    /// and the file knows why.
+    /// Writes the page to \a file, which must be unbuffered. Returns false if that failed; the
+    /// file's errorString() then says why.
     [[nodiscard]] bool write(QFile& file) const;
 
 private:

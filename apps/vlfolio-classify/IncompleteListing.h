@@ -19,8 +19,8 @@ struct IncompleteListing
     }
 };
 
-/// The name of what \a listing lacks, for programs that read it.
+/// Returns the name of what \a listing lacks, as --json shows it.
 [[nodiscard]] QString incompleteName(const IncompleteListing& listing);
 
-/// Says in one line what \a listing of the folder at \a path lacks, and why.
+/// Returns one line that says what \a listing of the folder at \a path lacks, and why.
 [[nodiscard]] QString incompleteReason(const QString& path, const IncompleteListing& listing);

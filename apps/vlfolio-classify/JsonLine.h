@@ -17,6 +17,6 @@ struct JsonFolder
     QList<IncompleteListing> incomplete;
 };
 
-/// Returns \a folder as a JSON object on one line. \a prefix is the length of what the relative
-/// path leaves out of the absolute one.
+/// Returns \a folder as a JSON object on one line. \a prefix is how many code units
+/// at the start of the absolute path are left out of the relative one.
 [[nodiscard]] QString jsonLine(const JsonFolder& folder, int prefix);

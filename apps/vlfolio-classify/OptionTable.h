@@ -9,7 +9,7 @@ using Qt::StringLiterals::operator""_L1;
 /// An option of the program, for the parser and --help.
 struct OptionRow
 {
-    /// Parted by blanks, the short one first.
+    /// The names of the option, separated by blanks, with the short one first.
     QLatin1StringView names;
     /// What the value is called; empty for an option without one.
     QLatin1StringView valueName;

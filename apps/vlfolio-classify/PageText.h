@@ -7,21 +7,22 @@
 /// The words of the page.
 namespace PageText {
 
-/// A name that is safe within an element, and shows what would only steer the text around it.
+/// Returns \a name escaped for use within an HTML element. Characters that would only steer the
+/// text around them are replaced by visible ones.
 [[nodiscard]] QString shown(const QString& name);
 
-/// A number with its thousands parted.
+/// Returns \a number with its thousands separated.
 [[nodiscard]] QString grouped(qsizetype number);
 
-/// "1 folder", "2 folders".
+/// Returns \a number with the noun, such as "1 folder" or "2 folders".
 [[nodiscard]] QString folderCount(qsizetype number);
 
-/// "1 file", "2 files".
+/// Returns \a number with the noun, such as "1 file" or "2 files".
 [[nodiscard]] QString fileCount(qsizetype number);
 
 [[nodiscard]] QString nameOf(const VLEventFolderType& type);
 
-/// The name of the folder at \a rootPath; the path where there is none.
+/// Returns the name of the folder at \a rootPath, or the path if it has no name, like "/".
 [[nodiscard]] QString nameOfRoot(const QString& rootPath);
 
 } // namespace PageText

@@ -5,32 +5,34 @@
 /// The program's standard output and standard error.
 namespace Terminal {
 
-/// Puts the null device where standard input, output or error is closed, so that no file that is
-/// opened later takes that place and gets what is written there. Call it before anything else.
+/// Opens the null device in place of standard input, output or error if one is closed. Otherwise a
+/// file that is opened later would take its number and receive what is written there. This has to
+/// be called before anything else.
 void occupyClosedStreams();
 
-/// The system's own words for the error \a number, an errno value.
+/// Returns the system's own words for the error \a number, an errno value.
 [[nodiscard]] QString errorText(int number);
 
-/// True when standard error is a terminal on which a line can be written over: not one that says in
-/// TERM that it is "dumb", or nothing.
+/// Returns true if standard error is a terminal on which a line can be written over. It cannot
+/// where TERM is "dumb" or empty.
 [[nodiscard]] bool canWriteOverErrorLine();
 
-/// How many columns the terminal of standard error has; 80 where it does not say.
+/// Returns how many columns the terminal of standard error has, or 80 if it does not say.
 [[nodiscard]] int errorLineWidth();
 
 /// Returns \a text with every control character and every character that changes the direction of
 /// writing replaced by "\uXXXX", so that a file name can neither steer a terminal nor break a line.
 [[nodiscard]] QString escaped(const QString& text);
 
-/// Writes \a line and a line feed to standard output: as it is into a file or a pipe, with
-/// characters escaped on a terminal.
+/// Writes \a line and a line feed to standard output. On a terminal the line is escaped; a file or
+/// a pipe gets it as it is.
 void writeLine(const QString& line);
 
-/// Sends off what writeLine() has collected.
+/// Writes out what writeLine() has buffered.
 ///
-/// \return true when all of it was written. When nobody reads any more (a closed pipe), that is
-///     not worth a message; any other error is told on standard error.
+/// \return true if everything was written. Otherwise the error is told on standard error, unless it
+/// is
+///     a closed pipe, whose reader has had enough.
 [[nodiscard]] bool flush();
 
 /// Writes one line "vlfolio-classify: MESSAGE", escaped, to standard error.

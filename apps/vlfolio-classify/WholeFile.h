@@ -13,13 +13,13 @@
 class WholeFile
 {
 public:
-    /// Makes the directory beside \a path.
+    /// Makes a private directory beside \a path.
     explicit WholeFile(const QString& path);
-    /// Removes the directory, with all that was not put in place.
+    /// Removes the directory, with anything in it that was not put in place.
     ~WholeFile();
     Q_DISABLE_COPY_MOVE(WholeFile)
 
-    /// Why the directory could not be made; empty when it was.
+    /// Returns why the directory could not be made, or an empty string if it was.
     [[nodiscard]] QString error() const;
 
     /// Returns the path of the file to write. It may lead through a descriptor of this process, and
@@ -35,8 +35,8 @@ public:
     /// replaced.
     [[nodiscard]] static QString obstacle(const QString& path, bool isGiven);
 
-    /// Writes \a bytes to \a file, which must be unbuffered. Where that falls short, returns false,
-    /// and the file knows why.
+    /// Writes \a bytes to \a file, which must be unbuffered. Returns false if that failed; the
+    /// file's errorString() then says why.
     [[nodiscard]] static bool writeAll(QFile& file, const QByteArray& bytes);
 
 private:

@@ -10,7 +10,7 @@
     let texts;
     let openBefore;
 
-    // Without the marks that a keyboard may lack, and composed or not.
+    // Accents are removed, because a keyboard may lack them, and letters are the same composed or not.
     const plain = (text) => text.normalize("NFKD").replace(/\p{M}/gu, "").toLowerCase();
 
     const isOfType = (row, type) => type === "" || row.classList.contains(type);
@@ -73,7 +73,7 @@
     for (const [id, isOpen] of [["unfold", true], ["fold", false]])
         document.getElementById(id).addEventListener("click", () => openAll(isOpen));
 
-    // Older browsers print what is folded as it is.
+    // Older browsers would not print what is folded.
     let openOnScreen;
     addEventListener("beforeprint", () => {
         openOnScreen = folds.map((fold) => fold.open);
