@@ -50,7 +50,7 @@ void VLPlatform::addIfUnsearchable(Listing& listing, const OpenDirectory& direct
     if (::fstatat(directory.descriptor(), ".", &status, 0) == 0)
         return;
     const int error = errno;
-    // One word for all entries.
+    // One problem of the directory stands for those of its entries.
     listing.problems.removeIf([error](const Problem& problem) {
         return problem.kind == ListingProblem::UnknownEntry && problem.systemError == error;
     });

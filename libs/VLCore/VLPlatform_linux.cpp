@@ -96,7 +96,8 @@ public:
             addEntries(buffer.data(), used);
         if (used < 0)
             VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
-        // Without an entry to ask about, nothing is lost where nothing can be asked.
+        // A directory that cannot be searched loses nothing as long as nothing had to be asked
+        // about its entries and no folder in it is to be entered.
         if (!listing.problems.isEmpty() || (!m_wantsFiles && !listing.names.isEmpty()))
             VLPlatform::addIfUnsearchable(listing, m_directory);
     }

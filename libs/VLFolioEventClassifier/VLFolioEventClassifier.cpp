@@ -82,8 +82,8 @@ bool isDayName(const QLocale& locale, const QString& name, QLocale::FormatType f
     return false;
 }
 
-// A search that lacked memory says "invalid" and nothing else. Only text that is not UTF-16 cannot
-// be searched otherwise: the patterns are good.
+// A search that runs out of memory gives an invalid match and no other sign. The only other
+// cause is text that is not valid UTF-16, since the patterns are valid.
 bool isFound(const QRegularExpressionMatch& match, const QString& name)
 {
     if (!match.isValid() && name.isValidUtf16())
@@ -144,7 +144,7 @@ Q_NEVER_INLINE void appendTo(QList<VLEventFolderClassificationResult>& results,
     results.append(std::move(subtree));
 }
 
-// In the order of QDir::Name. A path is not joined by QDir, which takes a name such as ":name" for
+// Sorts as QDir::Name does. QDir does not join the paths, since it takes a name such as ":name" for
 // that of a resource.
 Q_NEVER_INLINE QFileInfoList subdirectoriesOf(const QFileInfo& directory)
 {

@@ -11,8 +11,9 @@ class VLNameLook
 public:
     explicit VLNameLook(const QString& name);
 
-    /// No language names a day with two digits, with four blanks, or with more than 26 UTF-16 code
-    /// units, 8 in the narrow format; the bounds of length leave room for half as many again.
+    /// In no locale of Qt 6.4, 6.8 and 6.11 does the name of a day have two digits, four blanks or
+    /// more than 29 UTF-16 code units, 8 in the narrow format. The bounds of length leave room for
+    /// longer ones.
     [[nodiscard]] bool cannotBeDayName(QLocale::FormatType formatType) const
     {
         const qsizetype longest = formatType == QLocale::NarrowFormat ? 12 : 39;
@@ -37,10 +38,10 @@ private:
 
     qsizetype m_size = 0;
     qsizetype m_asciiDigits = 0;
-    // Those of all scripts.
+    // Digits of all scripts.
     qsizetype m_digits = 0;
     qsizetype m_blanks = 0;
-    // What may part the numbers of a date's shape.
+    // Characters that may part the numbers of a date's shape.
     qsizetype m_separators = 0;
     // A bit for each of the characters that date formats part their fields with.
     unsigned m_punctuation = 0;

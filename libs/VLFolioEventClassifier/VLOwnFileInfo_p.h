@@ -2,7 +2,8 @@
 
 #include <QtCore/QFileInfo>
 
-// The name is plain, and a static library shows it to all that are linked with it.
+// A namespace, since a static library shows the name of its function to all that are linked with
+// it.
 namespace VLOwnFileInfo {
 
 /// Returns \a info with data of its own. Copies of a QFileInfo share theirs, in which Qt caches,
