@@ -32,6 +32,10 @@ QStringList arguments(const QString& home)
         u"--disable-component-update"_s,
         u"--disable-sync"_s,
         u"--no-first-run"_s,
+        // A page that nobody looks at would wake its timers once a minute.
+        u"--disable-background-timer-throttling"_s,
+        u"--disable-renderer-backgrounding"_s,
+        u"--disable-backgrounding-occluded-windows"_s,
         u"--hide-scrollbars"_s,
     };
 }
