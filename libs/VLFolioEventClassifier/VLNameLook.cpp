@@ -62,18 +62,15 @@ VLNameLook::VLNameLook(const QString& name)
     : m_size(name.size())
 {
     for (qsizetype i = 0; i < name.size(); ++i) {
+        const qsizetype digitsBefore = m_digits;
         const QChar unit = name.at(i);
-        if (unit.unicode() < 0x80) {
+        if (unit.unicode() < 0x80)
             lookAtAscii(unit.unicode());
-            continue;
-        }
-        char32_t character = unit.unicode();
-        if (unit.isHighSurrogate() && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
-            character = QChar::surrogateToUcs4(unit, name.at(++i));
-        if (QChar::isDigit(character))
-            ++m_digits;
-        else if (QChar::isSpace(character))
-            ++m_blanks;
+        else if (unit.isHighSurrogate() && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
+            lookAtOther(QChar::surrogateToUcs4(unit, name.at(++i)));
+        else
+            lookAtOther(unit.unicode());
+        m_endsWithDigit = m_digits > digitsBefore;
     }
 }
 
@@ -93,6 +90,14 @@ void VLNameLook::lookAtAscii(char16_t unit)
         if (bit != Slash)
             ++m_separators;
     }
+}
+
+void VLNameLook::lookAtOther(char32_t character)
+{
+    if (QChar::isDigit(character))
+        ++m_digits;
+    else if (QChar::isSpace(character))
+        ++m_blanks;
 }
 
 bool VLNameLook::cannotBeDateIn(const QString& format) const

@@ -11,13 +11,14 @@ class VLNameLook
 public:
     explicit VLNameLook(const QString& name);
 
-    /// In no locale of Qt 6.4, 6.8 and 6.11 does the name of a day have two digits, four blanks or
-    /// more than 29 UTF-16 code units, 8 in the narrow format. The bounds of length leave room for
-    /// longer ones.
+    /// In no locale of Qt 6.4, 6.8 and 6.11 does the name of a day have two digits, a digit before
+    /// its end, four blanks or more than 29 UTF-16 code units, 8 in the narrow format. The bounds
+    /// of length leave room for longer ones.
     [[nodiscard]] bool cannotBeDayName(QLocale::FormatType formatType) const
     {
         const qsizetype longest = formatType == QLocale::NarrowFormat ? 12 : 39;
-        return m_digits >= 2 || m_blanks >= 4 || m_size > longest;
+        const bool hasDigitWithin = m_digits > (m_endsWithDigit ? 1 : 0);
+        return hasDigitWithin || m_blanks >= 4 || m_size > longest;
     }
 
     /// A date has a digit for each field of \a format that is written in digits, and all of its
@@ -35,6 +36,7 @@ public:
 
 private:
     void lookAtAscii(char16_t unit);
+    void lookAtOther(char32_t character);
 
     qsizetype m_size = 0;
     qsizetype m_asciiDigits = 0;
@@ -46,4 +48,5 @@ private:
     // A bit for each of the characters that date formats part their fields with.
     unsigned m_punctuation = 0;
     bool m_holdsTwo = false;
+    bool m_endsWithDigit = false;
 };
