@@ -23,6 +23,9 @@ VLPlatformIndependent* builtInService()
 VLPlatform::Listing listingOf(const QDir& directory, VLPlatform::Wanted wanted)
 {
     const QString path = directory.path();
+    // The system would take it for a directory above, and a walk would never end.
+    if (path.contains(QChar(0)))
+        return {};
     if (QFileInfo(path).isNativePath())
         return VLPlatform::listing(path, wanted);
     // Only Qt can list what a file engine presents, resources for instance.

@@ -48,7 +48,7 @@ public:
     explicit VLFolioEventClassifier(const QFileInfo& root);
     /// \{
     /// A copy may be used on another thread than the original: of an absolute root nothing that Qt
-    /// caches is shared.
+    /// caches is shared. A classifier that was moved from can be assigned to or destroyed.
     VLFolioEventClassifier(const VLFolioEventClassifier& other);
     VLFolioEventClassifier(VLFolioEventClassifier&& other) noexcept = default;
     VLFolioEventClassifier& operator=(const VLFolioEventClassifier& other);

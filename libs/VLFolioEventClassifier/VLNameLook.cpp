@@ -28,12 +28,12 @@ unsigned punctuationBit(char16_t unit)
 }
 
 // The field of a date format that this run of one letter stands for, if it is written in digits. Of
-// months and days, three letters and more are a name.
+// months and days, three letters and more are a name; a lone "y" is text to Qt's parser.
 unsigned numberBit(char16_t letter, qsizetype length)
 {
     switch (letter) {
     case u'y':
-        return Year;
+        return length > 1 ? Year : 0U;
     case u'M':
         return length < 3 ? Month : 0U;
     case u'd':

@@ -38,7 +38,9 @@ bool areDifferentFiles(const QString& directoryPath, const QString& rootPath)
     const std::filesystem::path path(QFile::encodeName(directoryPath).constData());
     const std::filesystem::path root(QFile::encodeName(rootPath).constData());
     std::error_code error;
-    return std::filesystem::exists(path, error) && !std::filesystem::equivalent(path, root, error);
+    const bool isOneFile =
+        !std::filesystem::exists(path, error) || std::filesystem::equivalent(path, root, error);
+    return !isOneFile && !error;
 }
 
 } // namespace

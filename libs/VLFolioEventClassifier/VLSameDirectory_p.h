@@ -6,7 +6,7 @@
 namespace VLSameDirectory {
 
 /// True only where `directory == root` is false, which it finds out with one call of the system for
-/// most directories. What is false may be either.
+/// most directories, going by the file system as it is now. What is false may be either.
 [[nodiscard]] bool areCertainlyDifferent(const QFileInfo& directory, const QFileInfo& root);
 
 } // namespace VLSameDirectory

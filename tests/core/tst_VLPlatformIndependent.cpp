@@ -135,6 +135,7 @@ private Q_SLOTS:
     void directFiles_data();
     void directFiles();
     void relativeDirectoryIsTheOneInTheWorkingDirectory();
+    void pathWithNullListsNothing();
     void directoryThroughALinkIsListed();
     void filtersOfTheDirectoryAreIgnored_data();
     void filtersOfTheDirectoryAreIgnored();
@@ -278,6 +279,15 @@ void tst_VLPlatformIndependent::relativeDirectoryIsTheOneInTheWorkingDirectory()
     QCOMPARE(filesIn(QDir(u"sub"_s)), QStringList { u"inner"_s });
     QCOMPARE(filesIn(QDir()), QStringList { u"outer"_s });
     QCOMPARE(foldersIn(QDir()), QStringList { u"sub"_s });
+}
+
+// To the system it is the directory in front of the null.
+void tst_VLPlatformIndependent::pathWithNullListsNothing()
+{
+    m_tree->make({ "sub/", "file" });
+    const QDir directory(path() + QChar(0) + u"x"_s);
+    QCOMPARE(filesIn(directory), QStringList());
+    QCOMPARE(foldersIn(directory), QStringList());
 }
 
 void tst_VLPlatformIndependent::directoryThroughALinkIsListed()

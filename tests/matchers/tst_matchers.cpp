@@ -774,6 +774,7 @@ void tst_matchers_fresh::userSettings_data()
     row("quoted_day_is_text", u"'d' MMMM"_s, u"d July"_s);
     row("quoted_month_is_text", u"'M' MMMM"_s, u"M July"_s);
     row("quoted_year_is_text", u"'y' MMMM"_s, u"y July"_s);
+    row("lone_year_letter_is_text", u"y MMMM"_s, u"y July"_s);
     row("field_behind_quotes", u"'on' MMMM d"_s, u"on July 4"_s);
     row("field_between_quotes", u"'a' d 'b'"_s, u"a 4 b"_s);
     row("two_quoted_texts", u"'d' MMMM 'd'"_s, u"d July d"_s);
