@@ -2,7 +2,7 @@
 # compiler in CXX and CXXFLAGS, and WORK, a directory of their own.
 # shellcheck shell=bash
 set -euo pipefail
-export LC_ALL=C
+export LC_ALL=C.UTF-8
 here=$SOURCE_TREE/tests/install
 
 fail() {
