@@ -23,12 +23,9 @@ QString parentOf(const QString& path)
     return path.size() > 1 ? u"/"_s : QString();
 }
 
-// Returns the folder above \a path to which it leads back, if it is a link that does.
-QString folderLedBackTo(const QString& path)
+// Returns the folder above \a path that \a target is, if it is one of them.
+QString folderAbove(const QString& path, const FileIdentity& target)
 {
-    if (!FileIdentity::isLink(path))
-        return {};
-    const FileIdentity target(path);
     QString above = parentOf(path);
     while (!above.isEmpty() && !(target == FileIdentity(above)))
         above = parentOf(above);
@@ -124,18 +121,22 @@ QStringList ProgramPlatform::getDirectFilesInDirectory(const QDir& directory) co
 
 bool ProgramPlatform::isExpectedIn(const QString& path) const
 {
-    if (!m_expectedDirectory || m_expectedName.startsWith(u'.'))
-        return false;
-    return path == m_expectedPath || *m_expectedDirectory == FileIdentity(path);
+    return !m_expectedName.startsWith(u'.')
+        && (path == m_expectedPath || m_foldersOfExpected.contains(path));
 }
 
 QStringList ProgramPlatform::getDirectSubdirectoriesInDirectory(const QDir& directory) const
 {
     m_walkedFolders.fetch_add(1, std::memory_order_relaxed);
     const QString path = directory.path();
-    if (path != m_rootPath) {
-        if (const QString folder = folderLedBackTo(path); !folder.isEmpty()) {
-            m_circles.append({ path, folder });
+    const FileIdentity entry = FileIdentity::ofEntry(path);
+    const FileIdentity folder = entry.isLink() ? FileIdentity(path) : entry;
+    // Noted here, since asking once more for each folder whose files are counted would take time.
+    if (m_expectedDirectory == folder)
+        m_foldersOfExpected.append(path);
+    if (entry.isLink() && path != m_rootPath) {
+        if (const QString above = folderAbove(path, folder); !above.isEmpty()) {
+            m_circles.append({ path, above });
             return {};
         }
     }

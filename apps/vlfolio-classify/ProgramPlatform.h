@@ -30,7 +30,8 @@ public:
 
     /// Lets openFile() open what it is asked for. Without it, nothing is opened.
     void allowOpening();
-    /// Makes getDirectFilesInDirectory() list the file at \a path even while it does not exist yet.
+    /// Makes getDirectFilesInDirectory() list the file at \a path even while it does not exist yet,
+    /// in whichever folders the walk has then found to be its folder.
     void expectFile(const QString& path);
 
     /// How many folders the walk has read. May be called from any thread.
@@ -77,6 +78,8 @@ private:
     QString m_expectedPath;
     std::optional<FileIdentity> m_expectedDirectory;
     QString m_expectedName;
+    // By whatever path the walk has come to the directory of the expected file.
+    mutable QStringList m_foldersOfExpected;
     mutable std::atomic<int> m_walkedFolders = 0;
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;

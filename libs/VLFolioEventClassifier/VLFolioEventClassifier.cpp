@@ -98,7 +98,7 @@ bool isFound(const VLRegularExpression& expression, const QString& name)
                    name);
 }
 
-// Qt compiles a pattern once and never again, even if it lacked memory.
+// Throws before a static is initialized, so that the next call tries again.
 QRegularExpression compiled(const QString& pattern)
 {
     QRegularExpression expression(pattern);

@@ -5,8 +5,8 @@
 #include <QtCore/QFile>
 
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
+
+#include <sys/stat.h>
 
 using namespace Qt::StringLiterals;
 
@@ -26,21 +26,28 @@ bool neverSameName(QStringView first, QStringView second)
         && first.compare(second, Qt::CaseInsensitive) != 0;
 }
 
-// True when the canonical path of the directory ends with its own name.
-bool keepsItsName(const QFileInfo& directory, QStringView name)
+// False for what is gone, too: a QFileInfo may remember where a removed link led. QFileInfo's own
+// isSymLink() is not asked, since it keeps the answer, and the path once more, in every result.
+bool isNoLink(const QString& path)
 {
-    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && !directory.isSymLink();
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISLNK(status.st_mode);
+}
+
+// True when the canonical path of the directory ends with its own name.
+bool keepsItsName(const QString& path, QStringView name)
+{
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && isNoLink(path);
 }
 
 // Asks the system for both files. QFileInfo may remember where a directory was that is gone.
-bool areDifferentFiles(const QString& directoryPath, const QString& rootPath)
+bool areDifferentFiles(const QString& path, const QString& rootPath)
 {
-    const std::filesystem::path path(QFile::encodeName(directoryPath).constData());
-    const std::filesystem::path root(QFile::encodeName(rootPath).constData());
-    std::error_code error;
-    const bool isOneFile =
-        !std::filesystem::exists(path, error) || std::filesystem::equivalent(path, root, error);
-    return !isOneFile && !error;
+    struct stat directory = {};
+    struct stat root = {};
+    return ::stat(QFile::encodeName(path).constData(), &directory) == 0
+        && ::stat(QFile::encodeName(rootPath).constData(), &root) == 0
+        && (directory.st_dev != root.st_dev || directory.st_ino != root.st_ino);
 }
 
 } // namespace
@@ -57,7 +64,7 @@ bool VLSameDirectory::areCertainlyDifferent(const QFileInfo& directory, const QF
     if (rootPath.isEmpty())
         return false;
     const QStringView name = lastComponent(path);
-    if (neverSameName(name, lastComponent(rootPath)) && keepsItsName(directory, name))
+    if (neverSameName(name, lastComponent(rootPath)) && keepsItsName(path, name))
         return true;
     return areDifferentFiles(path, rootPath);
 }
