@@ -1,6 +1,8 @@
+#include <OpenTable.h>
 #include <RunTogether.h>
+#include <TestRows.h>
 
-#include <VLCore/VLEnumWrapper.h>
+#include <VLFolioEventClassifier/VLEventFolderType.h>
 
 #include <QtTest/QTest>
 
@@ -18,59 +20,19 @@ namespace {
 constexpr qint32 lowest = std::numeric_limits<qint32>::min();
 constexpr qint32 highest = std::numeric_limits<qint32>::max();
 
-enum class Flag : qint32 { None = 0, Red = 1, Green = 2, Blue = 4 };
+enum class Flag : qint32 { None = 0, Red = 1, Green = 2, Blue = 4, Below = -1 };
 
-using Table = VLEnumToStringTable<Flag>;
-using Pairs = QList<std::pair<QString, qint32>>;
+using Table = OpenTable<Flag>;
+using Pairs = QList<std::pair<QString, Flag>>;
+using Wrapper = VLEnumWrapper<VLEventFolderTypeEnum>;
 
-/// Shows the members that only derived classes see.
-class OpenTable : public Table
+VLEventFolderTypeEnum typeEnum(qint32 number)
 {
-public:
-    using Table::fallbackName;
-    using Table::fallbackValue;
-    using Table::nameToValue;
-    using Table::valueToName;
-
-    OpenTable() = default;
-    explicit OpenTable(const Pairs& pairs)
-    {
-        for (const auto& [name, value] : pairs)
-            insert(name, Flag(value));
-    }
-
-    /// Both directions as sorted texts: "name=value" and "value=name".
-    [[nodiscard]] QString names() const
-    {
-        QStringList texts;
-        for (auto entry = nameToValue.cbegin(); entry != nameToValue.cend(); ++entry)
-            texts.append(entry.key() + u'=' + QString::number(qint32(entry.value())));
-        texts.sort();
-        return texts.join(u' ');
-    }
-    [[nodiscard]] QString values() const
-    {
-        QStringList texts;
-        for (auto entry = valueToName.cbegin(); entry != valueToName.cend(); ++entry)
-            texts.append(QString::number(qint32(entry.key())) + u'=' + entry.value());
-        texts.sort();
-        return texts.join(u' ');
-    }
-};
-
-class FlagType : public VLEnumWrapper<Flag>
-{
-public:
-    using VLEnumWrapper::VLEnumWrapper;
-    void fillTable(Table* table) const override { table->insert(u"Red"_s, Flag::Red); }
-};
-
-FlagType flag(qint32 number)
-{
-    return static_cast<Flag>(number);
+    return static_cast<VLEventFolderTypeEnum>(number);
 }
 
-/// One enumeration for each number, since each has one table per process. Takes its time for it.
+/// One enumeration for each number, since each has one table per process. Takes its time to fill
+/// the table, so that whoever does not wait for it is seen.
 template <int Number>
 struct Numbered
 {
@@ -81,7 +43,6 @@ class SlowType : public VLEnumWrapper<typename Numbered<Number>::Flag>
 {
 public:
     using Flag = typename Numbered<Number>::Flag;
-    using VLEnumWrapper<Flag>::VLEnumWrapper;
 
     void fillTable(VLEnumToStringTable<Flag>* table) const override
     {
@@ -93,20 +54,16 @@ public:
     static inline std::atomic<int> fills { 0 };
 };
 
-enum class Unlucky : qint32 { None = 0, Named = 1, Half = 2 };
-
-class UnluckyType : public VLEnumWrapper<Unlucky>
+class UnluckyType : public VLEnumWrapper<Flag>
 {
 public:
-    using VLEnumWrapper::VLEnumWrapper;
-
-    void fillTable(VLEnumToStringTable<Unlucky>* table) const override
+    void fillTable(VLEnumToStringTable<Flag>* table) const override
     {
         if (std::exchange(failsOnce, false)) {
-            table->insert(u"Half"_s, Unlucky::Half);
+            table->insert(u"Half"_s, Flag::Blue);
             throw std::bad_alloc();
         }
-        table->insert(u"Named"_s, Unlucky::Named);
+        table->insert(u"Named"_s, Flag::Red);
     }
 
     static inline bool failsOnce = true;
@@ -130,12 +87,6 @@ void raceForTable()
     QCOMPARE(names, std::vector<QString>(threads, u"last"_s));
 }
 
-template <typename T>
-quintptr addressOf(const T& member)
-{
-    return reinterpret_cast<quintptr>(&member);
-}
-
 template <typename T, typename = void>
 constexpr bool hasGreaterOrEqual = false;
 template <typename T>
@@ -144,32 +95,22 @@ constexpr bool hasGreaterOrEqual<
 
 } // namespace
 
-static_assert(std::is_abstract_v<VLEnumWrapper<Flag>>);
-static_assert(std::has_virtual_destructor_v<VLEnumWrapper<Flag>>);
-static_assert(std::is_default_constructible_v<FlagType>);
-static_assert(std::is_copy_constructible_v<FlagType> && std::is_copy_assignable_v<FlagType>);
-static_assert(std::is_nothrow_move_constructible_v<FlagType>);
-static_assert(std::is_nothrow_move_assignable_v<FlagType>);
-static_assert(std::is_convertible_v<Flag, FlagType>);
-static_assert(!std::is_convertible_v<qint32, FlagType>);
-static_assert(!std::is_constructible_v<Flag, FlagType>);
-static_assert(!std::is_constructible_v<qint32, FlagType>);
-static_assert(!std::is_constructible_v<bool, FlagType>);
-static_assert(!hasGreaterOrEqual<FlagType> && hasGreaterOrEqual<int>);
+static_assert(std::is_abstract_v<Wrapper>);
+static_assert(std::has_virtual_destructor_v<Wrapper>);
+static_assert(!hasGreaterOrEqual<VLEventFolderType> && hasGreaterOrEqual<int>);
 
-static_assert(std::has_virtual_destructor_v<Table>);
-static_assert(std::is_default_constructible_v<Table> && !std::is_copy_constructible_v<Table>);
-static_assert(std::is_same_v<decltype(OpenTable::nameToValue), QHash<QString, Flag>>);
-static_assert(std::is_same_v<decltype(OpenTable::valueToName), QHash<Flag, QString>>);
-static_assert(std::is_same_v<decltype(OpenTable::fallbackName), QString>);
-static_assert(std::is_same_v<decltype(OpenTable::fallbackValue), Flag>);
+static_assert(std::has_virtual_destructor_v<VLEnumToStringTable<Flag>>);
+static_assert(!std::is_copy_constructible_v<VLEnumToStringTable<Flag>>);
+static_assert(std::is_same_v<decltype(Table::nameToValue), QHash<QString, Flag>>);
+static_assert(std::is_same_v<decltype(Table::valueToName), QHash<Flag, QString>>);
+static_assert(std::is_same_v<decltype(Table::fallbackName), QString>);
+static_assert(std::is_same_v<decltype(Table::fallbackValue), Flag>);
 
 class tst_VLEnumWrapper : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void defaultValueIsZero();
     void operators_data();
     void operators();
     void assignmentsReturnTheObjectItself();
@@ -178,46 +119,33 @@ private Q_SLOTS:
     void insertedPairs();
     void valueFor_data();
     void valueFor();
-    void nameFor_data();
     void nameFor();
-    void newTableReadsAsFallbacks();
+    void fallbacksOfATable();
     void membersKeepTheirOrder();
 
-    void tableIsOneForAllObjects();
     void threadsFillTheTableOnce();
     void failedFillingLeavesNothingBehind();
 };
 
-void tst_VLEnumWrapper::defaultValueIsZero()
-{
-    QCOMPARE(qint32(FlagType().value()), 0);
-}
-
 void tst_VLEnumWrapper::operators_data()
 {
-    QTest::addColumn<qint32>("left");
-    QTest::addColumn<qint32>("right");
-    QTest::addColumn<bool>("less");
-    QTest::addColumn<bool>("equal");
-    QTest::addColumn<qint32>("either");
-    QTest::addColumn<qint32>("both");
-
-    QTest::newRow("zero_and_zero") << 0 << 0 << false << true << 0 << 0;
-    QTest::newRow("zero_and_flag") << 0 << 16 << true << false << 16 << 0;
-    QTest::newRow("one_below_two") << 1 << 2 << true << false << 3 << 0;
-    QTest::newRow("two_above_one") << 2 << 1 << false << false << 3 << 0;
-    QTest::newRow("same_flag") << 16 << 16 << false << true << 16 << 16;
-    QTest::newRow("shared_flag_is_not_equal") << 18 << 16 << false << false << 18 << 16;
-    QTest::newRow("flag_below_combination") << 16 << 18 << true << false << 18 << 16;
-    QTest::newRow("same_combination") << 18 << 18 << false << true << 18 << 18;
-    QTest::newRow("overlapping_combinations") << 6 << 12 << true << false << 14 << 4;
-    QTest::newRow("negative_below_zero") << -1 << 0 << true << false << -1 << 0;
-    QTest::newRow("negative_below_positive") << -1 << 32 << true << false << -1 << 32;
-    QTest::newRow("positive_above_negative") << 1 << -1 << false << false << -1 << 1;
-    QTest::newRow("same_negative") << -7 << -7 << false << true << -7 << -7;
-    QTest::newRow("lowest_below_highest") << lowest << highest << true << false << -1 << 0;
-    QTest::newRow("without_a_name") << 64 << 64 << false << true << 64 << 64;
-    QTest::newRow("lowest_below_minus_one") << lowest << -1 << true << false << -1 << lowest;
+    const TestRows<qint32, qint32, bool, bool, qint32, qint32> row("left", "right", "less", "equal",
+                                                                   "either", "both");
+    row("unknown_twice", 0, 0, false, true, 0, 0);
+    row("unknown_below_a_flag", 0, 16, true, false, 16, 0);
+    row("root_below_year", 1, 2, true, false, 3, 0);
+    row("event_above_day", 16, 8, false, false, 24, 0);
+    row("event_below_project_folder", 16, 32, true, false, 48, 0);
+    row("year_has_no_event_to_be_reduced_to", 2, 16, true, false, 18, 0);
+    row("combination_is_reduced_to_event", 18, 16, false, false, 18, 16);
+    row("year_differs_from_its_combination", 2, 18, true, false, 18, 2);
+    row("combination_sorts_by_its_number", 3, 4, true, false, 7, 0);
+    row("same_combination", 48, 48, false, true, 48, 48);
+    row("overlapping_combinations", 6, 12, true, false, 14, 4);
+    row("negative_below_positive", -1, 32, true, false, -1, 32);
+    row("positive_above_negative", 1, -1, false, false, -1, 1);
+    row("lowest_below_highest", lowest, highest, true, false, -1, 0);
+    row("without_a_name", 64, 64, false, true, 64, 64);
 }
 
 void tst_VLEnumWrapper::operators()
@@ -228,28 +156,28 @@ void tst_VLEnumWrapper::operators()
     QFETCH(const bool, equal);
     QFETCH(const qint32, either);
     QFETCH(const qint32, both);
-    const FlagType a = flag(left);
-    const FlagType b = flag(right);
+    const VLEventFolderType a = typeEnum(left);
+    const VLEventFolderType b = typeEnum(right);
     QCOMPARE(a.isValid(), left != 0);
     QCOMPARE(a < b, less);
     QCOMPARE(a <= b, less || equal);
     QCOMPARE(a > b, !less && !equal);
     QCOMPARE(a == b, equal);
-    QCOMPARE(a == Flag(right), equal);
+    QCOMPARE(a == typeEnum(right), equal);
     QCOMPARE(a != b, !equal);
-    QCOMPARE(a != Flag(right), !equal);
+    QCOMPARE(a != typeEnum(right), !equal);
     QCOMPARE(qint32(a | b), either);
     QCOMPARE(qint32(a & b), both);
-    QCOMPARE(qint32(a.reducedTo(Flag(right))), both);
+    QCOMPARE(qint32(a.reducedTo(typeEnum(right))), both);
 
-    FlagType orWrapper = a;
-    FlagType orRaw = a;
-    FlagType andWrapper = a;
-    FlagType andRaw = a;
+    VLEventFolderType orWrapper = a;
+    VLEventFolderType orRaw = a;
+    VLEventFolderType andWrapper = a;
+    VLEventFolderType andRaw = a;
     orWrapper |= b;
-    orRaw |= Flag(right);
+    orRaw |= typeEnum(right);
     andWrapper &= b;
-    andRaw &= Flag(right);
+    andRaw &= typeEnum(right);
     QCOMPARE(qint32(orWrapper.value()), either);
     QCOMPARE(qint32(orRaw.value()), either);
     QCOMPARE(qint32(andWrapper.value()), both);
@@ -260,101 +188,83 @@ void tst_VLEnumWrapper::operators()
 
 void tst_VLEnumWrapper::assignmentsReturnTheObjectItself()
 {
-    FlagType type = flag(1);
-    QCOMPARE(&(type |= flag(2)), &type);
-    QCOMPARE(&(type |= Flag(4)), &type);
-    QCOMPARE(&(type &= flag(7)), &type);
-    QCOMPARE(&(type &= Flag(3)), &type);
+    VLEventFolderType type = typeEnum(1);
+    QCOMPARE(&(type |= VLEventFolderType(typeEnum(2))), &type);
+    QCOMPARE(&(type |= typeEnum(4)), &type);
+    QCOMPARE(&(type &= VLEventFolderType(typeEnum(7))), &type);
+    QCOMPARE(&(type &= typeEnum(3)), &type);
     QCOMPARE(qint32(type.value()), 3);
 }
 
 void tst_VLEnumWrapper::insertedPairs_data()
 {
-    QTest::addColumn<Pairs>("inserted");
-    QTest::addColumn<QString>("names");
-    QTest::addColumn<QString>("values");
-
-    QTest::newRow("new_table_is_empty") << Pairs() << u""_s << u""_s;
-    QTest::newRow("both_directions_are_filled") << Pairs { { u"red"_s, 1 }, { u"below"_s, -1 } }
-                                                << u"below=-1 red=1"_s << u"-1=below 1=red"_s;
-    QTest::newRow("keys_are_lower_case_and_names_are_not")
-        << Pairs { { u"DarkRed"_s, 1 } } << u"darkred=1"_s << u"1=DarkRed"_s;
-    QTest::newRow("umlaut_is_lowered")
-        << Pairs { { u"\u00C4rger"_s, 1 } } << u"\u00E4rger=1"_s << u"1=\u00C4rger"_s;
-    QTest::newRow("latin_i_is_lowered_alike_in_every_language")
-        << Pairs { { u"TITLE"_s, 1 } } << u"title=1"_s << u"1=TITLE"_s;
-    QTest::newRow("letter_outside_the_basic_plane_is_lowered")
-        << Pairs { { u"\U00010400"_s, 1 } } << u"\U00010428=1"_s << u"1=\U00010400"_s;
-    QTest::newRow("repeated_name_leads_to_the_newest_value")
-        << Pairs { { u"Warm"_s, 1 }, { u"Warm"_s, 2 } } << u"warm=2"_s << u"1=Warm 2=Warm"_s;
-    QTest::newRow("repeated_name_in_other_case_is_the_same_name")
-        << Pairs { { u"Warm"_s, 1 }, { u"WARM"_s, 2 } } << u"warm=2"_s << u"1=Warm 2=WARM"_s;
-    QTest::newRow("repeated_value_keeps_its_oldest_name")
-        << Pairs { { u"Blue"_s, 4 }, { u"Azure"_s, 4 } } << u"azure=4 blue=4"_s << u"4=Blue"_s;
-    QTest::newRow("repeated_pair_changes_nothing")
-        << Pairs { { u"Blue"_s, 4 }, { u"Blue"_s, 4 } } << u"blue=4"_s << u"4=Blue"_s;
-    QTest::newRow("empty_name_is_a_name")
-        << Pairs { { u""_s, 1 }, { u"Red"_s, 1 } } << u"=1 red=1"_s << u"1="_s;
+    using Names = QHash<QString, Flag>;
+    using Values = QHash<Flag, QString>;
+    const TestRows<Pairs, Names, Values> row("inserted", "names", "values");
+    row("new_table_is_empty", {}, {}, {});
+    row("keys_are_lower_case_and_names_are_not", { { u"DarkRed"_s, Flag::Red } },
+        { { u"darkred"_s, Flag::Red } }, { { Flag::Red, u"DarkRed"_s } });
+    row("latin_i_is_lowered_alike_in_every_language", { { u"TITLE"_s, Flag::Red } },
+        { { u"title"_s, Flag::Red } }, { { Flag::Red, u"TITLE"_s } });
+    row("letter_beyond_latin_is_lowered", { { u"\u00C4\U00010400"_s, Flag::Below } },
+        { { u"\u00E4\U00010428"_s, Flag::Below } }, { { Flag::Below, u"\u00C4\U00010400"_s } });
+    row("repeated_name_leads_to_the_newest_value",
+        { { u"Warm"_s, Flag::Red }, { u"WARM"_s, Flag::Green } }, { { u"warm"_s, Flag::Green } },
+        { { Flag::Red, u"Warm"_s }, { Flag::Green, u"WARM"_s } });
+    row("repeated_value_keeps_its_oldest_name",
+        { { u"Blue"_s, Flag::Blue }, { u"Azure"_s, Flag::Blue } },
+        { { u"blue"_s, Flag::Blue }, { u"azure"_s, Flag::Blue } }, { { Flag::Blue, u"Blue"_s } });
+    row("empty_name_is_a_name", { { u""_s, Flag::Red }, { u"Red"_s, Flag::Red } },
+        { { u""_s, Flag::Red }, { u"red"_s, Flag::Red } }, { { Flag::Red, u""_s } });
 }
 
 void tst_VLEnumWrapper::insertedPairs()
 {
     QFETCH(const Pairs, inserted);
-    const OpenTable table(inserted);
-    QTEST(table.names(), "names");
-    QTEST(table.values(), "values");
+    Table table;
+    for (const auto& [name, value] : inserted)
+        table.insert(name, value);
+    QTEST(table.nameToValue, "names");
+    QTEST(table.valueToName, "values");
 }
 
 void tst_VLEnumWrapper::valueFor_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<qint32>("value");
-
-    QTest::newRow("as_inserted") << u"DarkRed"_s << 1;
-    QTest::newRow("lower_case") << u"darkred"_s << 1;
-    QTest::newRow("upper_case") << u"DARKRED"_s << 1;
-    QTest::newRow("umlaut_in_other_case") << u"\u00E4RGER"_s << 2;
-    QTest::newRow("latin_i_in_other_case") << u"title"_s << 4;
-    QTest::newRow("never_inserted") << u"Green"_s << 0;
-    QTest::newRow("start_of_a_name") << u"Dark"_s << 0;
-    QTest::newRow("name_and_a_blank") << u"DarkRed "_s << 0;
-    QTest::newRow("empty") << u""_s << 0;
-    QTest::newRow("null") << QString() << 0;
+    const TestRows<QString, Flag> row("name", "value");
+    row("as_inserted", u"DarkRed"_s, Flag::Red);
+    row("lower_case", u"darkred"_s, Flag::Red);
+    row("latin_i_in_other_case", u"title"_s, Flag::Blue);
+    row("never_inserted", u"Green"_s, Flag::None);
+    row("start_of_a_name", u"Dark"_s, Flag::None);
+    row("name_and_a_blank", u"DarkRed "_s, Flag::None);
+    row("empty", u""_s, Flag::None);
 }
 
 void tst_VLEnumWrapper::valueFor()
 {
     QFETCH(const QString, name);
-    const OpenTable table({ { u"DarkRed"_s, 1 }, { u"\u00C4rger"_s, 2 }, { u"TITLE"_s, 4 } });
-    QTEST(qint32(table.valueFor(name)), "value");
-    QCOMPARE(table.nameToValue.size(), 3);
-}
-
-void tst_VLEnumWrapper::nameFor_data()
-{
-    QTest::addColumn<qint32>("value");
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("named") << 1 << u"DarkRed"_s;
-    QTest::newRow("negative_named") << -1 << u"Below"_s;
-    QTest::newRow("zero") << 0 << QString();
-    QTest::newRow("combination_of_named_values") << 3 << QString();
-    QTest::newRow("never_inserted") << 64 << QString();
+    Table table;
+    table.insert(u"DarkRed"_s, Flag::Red);
+    table.insert(u"TITLE"_s, Flag::Blue);
+    QTEST(table.valueFor(name), "value");
+    QCOMPARE(table.nameToValue.size(), 2);
 }
 
 void tst_VLEnumWrapper::nameFor()
 {
-    QFETCH(const qint32, value);
-    QFETCH(const QString, name);
-    const OpenTable table({ { u"DarkRed"_s, 1 }, { u"Green"_s, 2 }, { u"Below"_s, -1 } });
-    QCOMPARE(table.nameFor(Flag(value)), name);
-    QCOMPARE(table.nameFor(Flag(value)).isNull(), name.isNull());
-    QCOMPARE(table.valueToName.size(), 3);
+    Table table;
+    table.insert(u"DarkRed"_s, Flag::Red);
+    table.insert(u"Below"_s, Flag::Below);
+    QCOMPARE(table.nameFor(Flag::Red), u"DarkRed"_s);
+    QCOMPARE(table.nameFor(Flag::Below), u"Below"_s);
+    QVERIFY(table.nameFor(Flag::None).isNull());
+    QVERIFY(table.nameFor(Flag::Green).isNull());
+    QCOMPARE(table.valueToName.size(), 2);
 }
 
-void tst_VLEnumWrapper::newTableReadsAsFallbacks()
+void tst_VLEnumWrapper::fallbacksOfATable()
 {
-    OpenTable table;
+    Table table;
     QVERIFY(table.fallbackName.isNull());
     QCOMPARE(table.fallbackValue, Flag::None);
     table.fallbackName = u"nothing"_s;
@@ -365,20 +275,11 @@ void tst_VLEnumWrapper::newTableReadsAsFallbacks()
 
 void tst_VLEnumWrapper::membersKeepTheirOrder()
 {
-    const OpenTable table;
-    QVERIFY(addressOf(table.nameToValue) < addressOf(table.valueToName));
-    QVERIFY(addressOf(table.valueToName) < addressOf(table.fallbackName));
-    QVERIFY(addressOf(table.fallbackName) < addressOf(table.fallbackValue));
-}
-
-void tst_VLEnumWrapper::tableIsOneForAllObjects()
-{
-    Table* const table = flag(1).enumToStringTable();
-    QVERIFY(table != nullptr);
-    QCOMPARE(flag(2).enumToStringTable(), table);
-    QCOMPARE(FlagType().enumToStringTable(), table);
-    QCOMPARE(table->nameFor(Flag::Red), u"Red"_s);
-    QCOMPARE(table->nameFor(Flag::Green), QString());
+    const Table table;
+    const auto address = [](const auto& member) { return reinterpret_cast<quintptr>(&member); };
+    QVERIFY(address(table.nameToValue) < address(table.valueToName));
+    QVERIFY(address(table.valueToName) < address(table.fallbackName));
+    QVERIFY(address(table.fallbackName) < address(table.fallbackValue));
 }
 
 void tst_VLEnumWrapper::threadsFillTheTableOnce()
@@ -392,8 +293,10 @@ void tst_VLEnumWrapper::threadsFillTheTableOnce()
 void tst_VLEnumWrapper::failedFillingLeavesNothingBehind()
 {
     QVERIFY_THROWS_EXCEPTION(std::bad_alloc, static_cast<void>(UnluckyType().enumToStringTable()));
-    QCOMPARE(UnluckyType().enumToStringTable()->nameFor(Unlucky::Named), u"Named"_s);
-    QCOMPARE(UnluckyType().enumToStringTable()->nameFor(Unlucky::Half), QString());
+    const auto* const table = UnluckyType().enumToStringTable();
+    QCOMPARE(table->nameFor(Flag::Red), u"Named"_s);
+    QCOMPARE(table->nameFor(Flag::Blue), QString());
+    QCOMPARE(UnluckyType().enumToStringTable(), table);
 }
 
 QTEST_GUILESS_MAIN(tst_VLEnumWrapper)
