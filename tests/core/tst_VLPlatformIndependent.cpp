@@ -1,6 +1,8 @@
 #include <MessageRecorder.h>
 #include <RawDirectory.h>
+#include <RecordingPlatform.h>
 #include <RunTogether.h>
+#include <TestRows.h>
 #include <UnprivilegedUser.h>
 #include <WorkingDirectory.h>
 
@@ -29,26 +31,6 @@ constexpr bool isMac = true;
 #else
 constexpr bool isMac = false;
 #endif
-
-class HostService : public VLPlatformIndependent
-{
-public:
-    void directoryContentsChanged(const QDir& directory) override
-    {
-        changed.append(directory.path());
-    }
-
-    QStringList changed;
-    // One line for each call, as "kind error path".
-    mutable QStringList told;
-
-protected:
-    void listingIncomplete(const QDir& directory, ListingProblem problem,
-                           int systemError) const override
-    {
-        told.append(u"%1 %2 %3"_s.arg(int(problem)).arg(systemError).arg(directory.path()));
-    }
-};
 
 QStringList sorted(QStringList names)
 {
@@ -129,15 +111,11 @@ private Q_SLOTS:
 
     void serviceOfTheHostTakesThePlaceOfTheBuiltInOne();
     void servicesMayBeSwappedWhileThreadsAsk();
-    void directoryOperationReachesTheServiceOfTheHost();
     void builtInDirectoryOperationDoesNothing();
 
-    void directFiles_data();
-    void directFiles();
     void relativeDirectoryIsTheOneInTheWorkingDirectory();
     void pathWithNullListsNothing();
     void directoryThroughALinkIsListed();
-    void filtersOfTheDirectoryAreIgnored_data();
     void filtersOfTheDirectoryAreIgnored();
     void filesOfAFileEngineAreListed();
     void incompleteListingsAreTold();
@@ -195,14 +173,13 @@ void tst_VLPlatformIndependent::serviceOfTheHostTakesThePlaceOfTheBuiltInOne()
 {
     auto* const builtIn = VLPlatformIndependent::instance();
     QVERIFY(builtIn != nullptr);
-    HostService older;
-    HostService newer;
+    VLPlatformIndependent older;
+    VLPlatformIndependent newer;
     QCOMPARE(VLPlatformIndependent::instance(), builtIn);
-    VLPlatformIndependent::setInstance(&older);
-    QCOMPARE(VLPlatformIndependent::instance(), &older);
-    VLPlatformIndependent::setInstance(&newer);
-    QCOMPARE(VLPlatformIndependent::instance(), &newer);
-    QCOMPARE(VLPlatformIndependent::instance(), &newer);
+    for (auto* const service : { &older, &newer }) {
+        VLPlatformIndependent::setInstance(service);
+        QCOMPARE(VLPlatformIndependent::instance(), service);
+    }
     for (int time = 0; time < 2; ++time) {
         VLPlatformIndependent::setInstance(nullptr);
         QCOMPARE(VLPlatformIndependent::instance(), builtIn);
@@ -211,7 +188,7 @@ void tst_VLPlatformIndependent::serviceOfTheHostTakesThePlaceOfTheBuiltInOne()
 
 void tst_VLPlatformIndependent::servicesMayBeSwappedWhileThreadsAsk()
 {
-    HostService ofHost;
+    VLPlatformIndependent ofHost;
     auto* const builtIn = VLPlatformIndependent::instance();
     std::atomic<int> wrong { 0 };
     runTogether(4, [&](int thread) {
@@ -225,14 +202,6 @@ void tst_VLPlatformIndependent::servicesMayBeSwappedWhileThreadsAsk()
     QCOMPARE(wrong.load(), 0);
 }
 
-void tst_VLPlatformIndependent::directoryOperationReachesTheServiceOfTheHost()
-{
-    HostService ofHost;
-    VLPlatformIndependent::setInstance(&ofHost);
-    VLPlatformIndependent::instance()->directoryContentsChanged(QDir(u"/pictures"_s));
-    QCOMPARE(ofHost.changed, QStringList { u"/pictures"_s });
-}
-
 void tst_VLPlatformIndependent::builtInDirectoryOperationDoesNothing()
 {
     const MessageRecorder recorder;
@@ -241,35 +210,6 @@ void tst_VLPlatformIndependent::builtInDirectoryOperationDoesNothing()
     QCOMPARE(QDir(path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
              QStringList { u"a.jpg"_s });
     QCOMPARE(recorder.messages().size(), 0);
-}
-
-void tst_VLPlatformIndependent::directFiles_data()
-{
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<bool>("listed");
-
-    QTest::newRow("regular_file") << QByteArray("a.jpg") << true;
-    QTest::newRow("without_suffix") << QByteArray("README") << true;
-    QTest::newRow("dot_at_the_end") << QByteArray("trailing.") << true;
-    QTest::newRow("several_dots") << QByteArray("a.b.c") << true;
-    QTest::newRow("blanks") << QByteArray(" a b ") << true;
-    QTest::newRow("line_feed") << QByteArray("a\nb") << true;
-    QTest::newRow("wildcard_characters") << QByteArray("*[?]") << true;
-    QTest::newRow("non_latin") << QByteArray("\u5199\u771F \U0001F4F7.jpg") << true;
-    QTest::newRow("255_bytes") << QByteArray(255, 'n') << true;
-    QTest::newRow("tilde_at_the_end") << QByteArray("backup~") << true;
-    QTest::newRow("hidden") << QByteArray(".hidden") << false;
-    QTest::newRow("hidden_with_suffix") << QByteArray(".hidden.jpg") << false;
-    QTest::newRow("two_dots_in_front") << QByteArray("..jpg") << false;
-}
-
-void tst_VLPlatformIndependent::directFiles()
-{
-    QFETCH(const QByteArray, name);
-    QFETCH(const bool, listed);
-    QVERIFY2(m_tree->file(name, "contents").isValid(), m_tree->error());
-    QCOMPARE(filesIn(path()), listed ? QStringList { QString::fromUtf8(name) } : QStringList());
-    QCOMPARE(foldersIn(path()), QStringList());
 }
 
 void tst_VLPlatformIndependent::relativeDirectoryIsTheOneInTheWorkingDirectory()
@@ -297,26 +237,12 @@ void tst_VLPlatformIndependent::directoryThroughALinkIsListed()
     QCOMPARE(filesIn(path("link/")), QStringList { u"inner"_s });
 }
 
-void tst_VLPlatformIndependent::filtersOfTheDirectoryAreIgnored_data()
-{
-    QTest::addColumn<QStringList>("nameFilters");
-    QTest::addColumn<QDir::Filters>("filters");
-
-    QTest::newRow("names") << QStringList { u"*.png"_s } << QDir::Filters(QDir::Files);
-    QTest::newRow("only_directories") << QStringList() << QDir::Filters(QDir::Dirs);
-    QTest::newRow("hidden_too") << QStringList()
-                                << (QDir::Files | QDir::Dirs | QDir::Hidden | QDir::System);
-    QTest::newRow("no_links") << QStringList() << (QDir::Files | QDir::NoSymLinks);
-}
-
 void tst_VLPlatformIndependent::filtersOfTheDirectoryAreIgnored()
 {
-    QFETCH(const QStringList, nameFilters);
-    QFETCH(const QDir::Filters, filters);
     m_tree->make({ "a.jpg", ".hidden", "b.jpg -> a.jpg", "sub/", ".sub/", "to -> sub" });
     QDir directory(path());
-    directory.setNameFilters(nameFilters);
-    directory.setFilter(filters);
+    directory.setNameFilters({ u"*.png"_s });
+    directory.setFilter(QDir::Hidden | QDir::NoSymLinks);
     QCOMPARE(filesIn(directory), (QStringList { u"a.jpg"_s, u"b.jpg"_s }));
     QCOMPARE(foldersIn(directory), (QStringList { u"sub"_s, u"to"_s }));
 }
@@ -330,18 +256,17 @@ void tst_VLPlatformIndependent::filesOfAFileEngineAreListed()
 
 void tst_VLPlatformIndependent::incompleteListingsAreTold()
 {
-    const HostService ofHost;
-    const QString missing = path("missing");
-    const QString line = u"%1 %2 %3"_s.arg(int(VLPlatformIndependent::ListingProblem::Unreadable))
-                             .arg(ENOENT)
-                             .arg(missing);
-    QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(missing)), QStringList());
-    QCOMPARE(ofHost.told, QStringList { line });
-    QCOMPARE(ofHost.getDirectSubdirectoriesInDirectory(QDir(missing)), QStringList());
-    QCOMPARE(ofHost.told, (QStringList { line, line }));
-    QCOMPARE(ofHost.getDirectFilesInDirectory(QDir(path())), QStringList());
-    QCOMPARE(ofHost.getDirectSubdirectoriesInDirectory(QDir(path())), QStringList());
-    QCOMPARE(ofHost.told, (QStringList { line, line }));
+    const RecordingPlatform ofHost;
+    for (const QString& directory : { path("missing"), path() }) {
+        QCOMPARE(filesIn(directory), QStringList());
+        QCOMPARE(foldersIn(directory), QStringList());
+    }
+    QCOMPARE(ofHost.incomplete.size(), 2);
+    for (const auto& incomplete : ofHost.incomplete) {
+        QCOMPARE(incomplete.path, path("missing"));
+        QCOMPARE(incomplete.problem, VLPlatformIndependent::ListingProblem::Unreadable);
+        QCOMPARE(incomplete.systemError, ENOENT);
+    }
 }
 
 void tst_VLPlatformIndependent::workingDirectoryThatNoPathLeadsTo()
@@ -362,26 +287,15 @@ void tst_VLPlatformIndependent::workingDirectoryThatNoPathLeadsTo()
 
 void tst_VLPlatformIndependent::applicationGetsTheFile_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("received");
-
-    const QString file = u"/p/r.html"_s;
-    QTest::newRow("no_arguments") << QStringList() << file << QByteArray("/p/r.html\n");
-    QTest::newRow("arguments_come_before_the_file")
-        << QStringList { u"-n"_s, u"two"_s } << file << QByteArray("-n\ntwo\n/p/r.html\n");
-    QTest::newRow("arguments_are_not_split")
-        << QStringList { u"a b"_s, u"\"c\""_s, u"$HOME"_s } << file
-        << QByteArray("a b\n\"c\"\n$HOME\n/p/r.html\n");
-    QTest::newRow("empty_argument") << QStringList { u""_s } << file << QByteArray("\n/p/r.html\n");
-    QTest::newRow("file_with_blanks_and_quotes")
-        << QStringList() << u"/p/my \"r\".html"_s << QByteArray("/p/my \"r\".html\n");
-    QTest::newRow("file_with_non_latin_name")
-        << QStringList() << u"/p/\u5199\u771F.html"_s << QByteArray("/p/\u5199\u771F.html\n");
-    QTest::newRow("placeholders_are_text")
-        << QStringList { u"%1"_s } << u"/p/%2.html"_s << QByteArray("%1\n/p/%2.html\n");
-    QTest::newRow("relative_path_is_made_absolute")
-        << QStringList() << u"--report.html"_s << QByteArray("/--report.html\n");
+    const TestRows<QStringList, QString, QByteArray> row("arguments", "file", "received");
+    row("no_arguments", {}, u"/p/r.html"_s, "/p/r.html\n");
+    row("arguments_come_before_the_file", { u"-n"_s, u"two"_s }, u"/r"_s, "-n\ntwo\n/r\n");
+    row("arguments_are_not_split", { u"a b"_s, u"\"$HOME\""_s }, u"/r"_s, "a b\n\"$HOME\"\n/r\n");
+    row("empty_argument", { u""_s }, u"/r"_s, "\n/r\n");
+    row("blanks_and_quotes_in_the_file", {}, u"/p/my \"r\".html"_s, "/p/my \"r\".html\n");
+    row("non_latin_name_of_the_file", {}, u"/\u5199\u771F"_s, "/\u5199\u771F\n");
+    row("placeholders_are_text", { u"%1"_s }, u"/p/%2.html"_s, "%1\n/p/%2.html\n");
+    row("relative_path_is_made_absolute", {}, u"--report.html"_s, "/--report.html\n");
 }
 
 void tst_VLPlatformIndependent::applicationGetsTheFile()
@@ -427,19 +341,17 @@ void tst_VLPlatformIndependent::applicationIsFoundInThePath()
 
 void tst_VLPlatformIndependent::applicationThatCannotBeStartedGivesOneWarning_data()
 {
-    QTest::addColumn<QString>("application");
-
-    QTest::newRow("missing") << u"./missing"_s;
-    QTest::newRow("not_executable") << u"./text"_s;
-    QTest::newRow("directory") << u"./sub"_s;
-    QTest::newRow("dangling_link") << u"./danglingLink"_s;
-    QTest::newRow("not_in_the_path") << u"vl-there-is-no-such-viewer"_s;
+    const TestRows<QString> row("application");
+    row("missing", u"./missing"_s);
+    row("not_executable", u"./text"_s);
+    row("directory", u"./sub"_s);
+    row("not_in_the_path", u"vl-there-is-no-such-viewer"_s);
 }
 
 void tst_VLPlatformIndependent::applicationThatCannotBeStartedGivesOneWarning()
 {
     QFETCH(const QString, application);
-    m_tree->make({ "text", "sub/", "danglingLink -> gone" });
+    m_tree->make({ "text", "sub/" });
     const WorkingDirectory here(path());
     const MessageRecorder recorder;
     QVERIFY(!opens(u"/pictures/r.html"_s, {}, application));
