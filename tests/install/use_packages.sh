@@ -27,7 +27,7 @@ expect "how many rows of a day the report has" 1 \
     "$(grep -c "2019-07-14 Beach" collection/vela.classification.results.html)"
 
 apt_get install bash-completion fish man-db zsh
-expect "the man page" /usr/share/man/man1/vlfolio-classify.1 "$(man --where vlfolio-classify)"
+expect "the man page" /usr/share/man/man1/vlfolio-classify.1.gz "$(man --where vlfolio-classify)"
 expect "what bash completes with" \
     "complete -o dirnames -F _vlfolio_classify vlfolio-classify" "$(bash_completion)"
 expect "what zsh completes with" _vlfolio-classify \
