@@ -3,6 +3,7 @@
 #include "RecordingPlatform.h"
 #include "ReportText.h"
 #include "ResourceLimit.h"
+#include "TestRows.h"
 #include "UnprivilegedUser.h"
 #include "WorkingDirectory.h"
 
@@ -71,6 +72,19 @@ bool comesFromRenderToFile(const MessageRecorder::Message& message)
         && message.line > 0 && function.match(QString::fromUtf8(message.function)).hasMatch();
 }
 
+// The row of a result, written alone. The stream keeps its settings.
+QByteArray tableEntry(const Result& result, int rootPathLength)
+{
+    QByteArray text;
+    QTextStream stream(&text);
+    Renderer({}, rootPathLength, {}).writeTableEntry(stream, result);
+    stream.flush();
+    const bool isKept = stream.encoding() == QStringConverter::Utf8
+        && !stream.generateByteOrderMark() && stream.fieldWidth() == 0
+        && stream.locale() == QLocale::c();
+    return isKept ? text : "The settings of the stream are others now";
+}
+
 // True when this process has the file open, where the system tells that.
 bool isOpen(const QString& path)
 {
@@ -91,8 +105,12 @@ private Q_SLOTS:
 
     void partWrittenAlone_data();
     void partWrittenAlone();
-    void tableEntry_data();
-    void tableEntry();
+    void typeCells_data();
+    void typeCells();
+    void directoryCell_data();
+    void directoryCell();
+    void occasionCell_data();
+    void occasionCell();
     void isSmaller_data();
     void isSmaller();
     void rowsAreSorted_data();
@@ -101,7 +119,6 @@ private Q_SLOTS:
     void nameFiltersAreNotApplied();
     void nameFiltersAreKept();
     void secondReportHasTheSameBytes();
-    void relativeReportFile();
     void oldReportIsReplaced_data();
     void oldReportIsReplaced();
     void debugLineEscapesThePath_data();
@@ -125,14 +142,12 @@ using WritePart = void (Renderer::*)(QTextStream&) const;
 
 void tst_report::partWrittenAlone_data()
 {
-    QTest::addColumn<WritePart>("write");
-    QTest::addColumn<QByteArray>("expected");
-
-    QTest::newRow("header_with_the_style") << &Renderer::writeHTMLHeader << lines(1, 13);
-    QTest::newRow("style") << &Renderer::writeStyle << lines(2, 12);
-    QTest::newRow("table_start") << &Renderer::writeTableStart << lines(14, 20);
-    QTest::newRow("table_end") << &Renderer::writeTableEnd << lines(21, 21);
-    QTest::newRow("html_end") << &Renderer::writeHTMLEnd << lines(22, 23);
+    const TestRows<WritePart, QByteArray> row("write", "expected");
+    row("header_with_the_style", &Renderer::writeHTMLHeader, lines(1, 13));
+    row("style", &Renderer::writeStyle, lines(2, 12));
+    row("table_start", &Renderer::writeTableStart, lines(14, 20));
+    row("table_end", &Renderer::writeTableEnd, lines(21, 21));
+    row("html_end", &Renderer::writeHTMLEnd, lines(22, 23));
 }
 
 void tst_report::partWrittenAlone()
@@ -150,138 +165,107 @@ void tst_report::partWrittenAlone()
     QCOMPARE(platform.calls, QStringList());
 }
 
-void tst_report::tableEntry_data()
+void tst_report::typeCells_data()
 {
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("rootPathLength");
-    QTest::addColumn<qsizetype>("fileCount");
-    QTest::addColumn<QList<VLOccasionInfo>>("occasions");
-    QTest::addColumn<QByteArray>("expected");
-
-    constexpr int root = 1;
-    constexpr int month = 4;
-    const QList<VLOccasionInfo> none;
-    const auto typed = [&none](const char* name, int type, const char* typeName,
-                               const char* directory) {
-        QTest::newRow(name) << type << u"/r/x"_s << 2 << qsizetype(0) << none
-                            << row(typeName, directory, "0", "no data");
-    };
-    typed("unknown", 0, "Unknown", "/x");
-    typed("root_keeps_its_path", root, "Root", "/r/x");
-    typed("year", 2, "Year", "/x");
-    typed("month", month, "Month", "/x");
-    typed("day", 8, "Day", "/x");
-    typed("event", 16, "Event", "/x");
-    typed("project_folder", 32, "ProjectFolder", "/x");
-    typed("combination_has_no_name", 18, "", "/x");
-    typed("root_among_others_is_no_root", 17, "", "/x");
-    typed("number_beyond_the_flags", 64, "", "/x");
-
-    const auto cut = [&none](const char* name, int type, const QString& path, int rootPathLength,
-                             const QByteArray& directory) {
-        QTest::newRow(name) << type << path << rootPathLength << qsizetype(0) << none
-                            << row(type == root ? "Root" : "Month", directory, "0", "no data");
-    };
-    cut("cut_keeps_the_separator", month, u"/data/pictures/2019/05"_s, 14, "/2019/05");
-    cut("root_with_trailing_slash", month, u"/data/pictures/2019/05"_s, 15, "2019/05");
-    cut("trailing_slash_stays", month, u"/data/pictures/2019/"_s, 14, "/2019/");
-    cut("below_the_root_of_the_file_system", month, u"/2019/05"_s, 1, "2019/05");
-    cut("root_of_the_file_system", root, u"/"_s, 1, "/");
-    cut("path_of_the_root_itself", month, u"/data"_s, 5, "");
-    cut("one_longer_than_the_cut", month, u"/data"_s, 4, "a");
-    cut("shorter_than_the_cut", month, u"/data"_s, 6, "");
-    cut("far_shorter_than_the_cut", month, u"/data"_s, 2147483647, "");
-    cut("cut_of_nothing", month, u"/data"_s, 0, "/data");
-    cut("negative_cut", month, u"/data"_s, -3, "/data");
-    cut("most_negative_cut", month, u"/data"_s, -2147483647 - 1, "/data");
-    cut("cut_does_not_look_at_the_text", month, u"/elsewhere/2019"_s, 5, "where/2019");
-    cut("cut_counts_code_units", month, u"/r/\U0001F600/x"_s, 5, "/x");
-    cut("relative_path_is_made_absolute", root, u"2019"_s, 2,
-        QFile::encodeName(QDir::currentPath()) + "/2019");
-    cut("no_directory", month, QString(), 0, "");
-    cut("no_directory_as_root", root, QString(), 5, "");
-    cut("markup_is_not_escaped", month, u"/r/<b>Tom & 'Jerry' \"&amp;</b>"_s, 2,
-        "/<b>Tom & 'Jerry' \"&amp;</b>");
-    cut("markup_of_the_root_is_not_escaped", root, u"/r/<b>&"_s, 2, "/r/<b>&");
-    cut("placeholders_stay", month, u"/r/%1 %2 %L1 %%"_s, 2, "/%1 %2 %L1 %%");
-    cut("placeholders_of_the_root_stay", root, u"/r/%1%0"_s, 2, "/r/%1%0");
-    cut("line_feed_stays", month, u"/r/a\nb"_s, 2, "/a\nb");
-    cut("blanks_stay", month, u"/r/ a  b "_s, 2, "/ a  b ");
-
-    const auto counted = [&none](const char* name, qsizetype fileCount, const char* count) {
-        QTest::newRow(name) << 2 << u"/r/x"_s << 2 << fileCount << none
-                            << row("Year", "/x", count, "no data");
-    };
-    counted("one_file", 1, "1");
-    counted("equal_names_all_count", 7, "7");
-    counted("thousands_are_not_grouped", 12345, "12345");
-
-    const auto occasion = [](const char* name, const QList<VLOccasionInfo>& occasions,
-                             const char* text) {
-        QTest::newRow(name) << 16 << u"/r/x"_s << 2 << qsizetype(0) << occasions
-                            << row("Event", "/x", "0", text);
-    };
-    const VLOccasionInfo birthday(u"Birthday"_s, u"Calendar"_s, 0.9);
-    const VLOccasionInfo party(u"Party"_s, u"Tags"_s, 0.5);
-    occasion("one_occasion", { birthday }, "Birthday (0.9, Calendar)");
-    occasion("several_in_list_order", { party, birthday },
-             "Party (0.5, Tags); Birthday (0.9, Calendar)");
-    occasion("empty_record_is_an_occasion", { VLOccasionInfo() }, " (0, )");
-    occasion("markup_of_occasions_stays", { VLOccasionInfo(u"<i>&"_s, u"\"'"_s, 1.0) },
-             "<i>& (1, \"')");
-    occasion("placeholders_of_occasions_stay", { VLOccasionInfo(u"%1 %2"_s, u"%3 %1"_s, 1.0) },
-             "%1 %2 (1, %3 %1)");
+    const TestRows<int, QByteArray, QByteArray> row("type", "name", "directory");
+    row("unknown", 0, "Unknown", "/x");
+    row("root_keeps_its_path", 1, "Root", "/r/x");
+    row("year", 2, "Year", "/x");
+    row("month", 4, "Month", "/x");
+    row("day", 8, "Day", "/x");
+    row("event", 16, "Event", "/x");
+    row("project_folder", 32, "ProjectFolder", "/x");
+    row("combination_has_no_name", 18, "", "/x");
+    row("root_among_others_is_no_root", 17, "", "/x");
+    row("number_beyond_the_flags", 64, "", "/x");
 }
 
-// The files are counted once, by the whole path. The stream keeps its settings.
-void tst_report::tableEntry()
+void tst_report::typeCells()
 {
     QFETCH(const int, type);
+    QFETCH(const QByteArray, name);
+    QFETCH(const QByteArray, directory);
+    RecordingPlatform platform;
+    platform.fileCount = 0;
+    QCOMPARE(tableEntry(resultOf(u"/r/x"_s, type), 2), row(name, directory, "0", "no data"));
+}
+
+void tst_report::directoryCell_data()
+{
+    const TestRows<QString, int, QByteArray> row("path", "rootPathLength", "cell");
+    row("cut_keeps_the_separator", u"/data/pictures/2019/05"_s, 14, "/2019/05");
+    row("root_with_trailing_slash", u"/data/pictures/2019/05"_s, 15, "2019/05");
+    row("trailing_slash_stays", u"/data/pictures/2019/"_s, 14, "/2019/");
+    row("below_the_root_of_the_file_system", u"/2019/05"_s, 1, "2019/05");
+    row("path_of_the_root_itself", u"/data"_s, 5, "");
+    row("one_longer_than_the_cut", u"/data"_s, 4, "a");
+    row("shorter_than_the_cut", u"/data"_s, 6, "");
+    row("negative_cut", u"/data"_s, -3, "/data");
+    row("cut_does_not_look_at_the_text", u"/elsewhere/2019"_s, 5, "where/2019");
+    row("cut_counts_code_units", u"/r/\U0001F600/x"_s, 5, "/x");
+    row("relative_path_is_made_absolute", u"2019"_s, 0,
+        QFile::encodeName(QDir::currentPath()) + "/2019");
+    row("no_directory", {}, 0, "");
+    row("markup_is_not_escaped", u"/r/<b>Tom & 'Jerry' \"&amp;</b>"_s, 2,
+        "/<b>Tom & 'Jerry' \"&amp;</b>");
+    row("placeholders_stay", u"/r/%1 %2 %L1 %%"_s, 2, "/%1 %2 %L1 %%");
+    row("white_space_stays", u"/r/ a  b\n"_s, 2, "/ a  b\n");
+}
+
+// The files are counted by the whole path.
+void tst_report::directoryCell()
+{
     QFETCH(const QString, path);
     QFETCH(const int, rootPathLength);
-    QFETCH(const qsizetype, fileCount);
-    QFETCH(const QList<VLOccasionInfo>, occasions);
-    QFETCH(const QByteArray, expected);
-
+    QFETCH(const QByteArray, cell);
     RecordingPlatform platform;
-    platform.fileCount = fileCount;
-    Result result = resultOf(path, type);
-    VLOccasionInfoList list;
-    list.append(occasions);
-    result.setOccasionInformation(list);
-    QByteArray text;
-    QTextStream stream(&text);
-    Renderer({}, rootPathLength, {}).writeTableEntry(stream, result);
-    stream.flush();
-    QCOMPARE(text, expected);
+    platform.fileCount = 12345;
+    QCOMPARE(tableEntry(resultOf(path, 4), rootPathLength), row("Month", cell, "12345", "no data"));
     QCOMPARE(platform.calls,
              QStringList(u"getDirectFilesInDirectory "_s
                          + QDir(QFileInfo(path).absoluteFilePath()).path()));
-    QCOMPARE(stream.encoding(), QStringConverter::Utf8);
-    QVERIFY(!stream.generateByteOrderMark());
-    QCOMPARE(stream.fieldWidth(), 0);
-    QCOMPARE(stream.locale(), QLocale::c());
+}
+
+void tst_report::occasionCell_data()
+{
+    const VLOccasionInfo birthday(u"Birthday"_s, u"Calendar"_s, 0.9);
+    const VLOccasionInfo party(u"Party"_s, u"Tags"_s, 0.5);
+    const TestRows<QList<VLOccasionInfo>, QByteArray> row("occasions", "cell");
+    row("no_occasion", {}, "no data");
+    row("one_occasion", { birthday }, "Birthday (0.9, Calendar)");
+    row("several_in_list_order", { party, birthday },
+        "Party (0.5, Tags); Birthday (0.9, Calendar)");
+    row("empty_record_is_an_occasion", { VLOccasionInfo() }, " (0, )");
+    row("markup_and_placeholders_stay", { VLOccasionInfo(u"<i>&%1"_s, u"\"'%2"_s, 1.0) },
+        "<i>&%1 (1, \"'%2)");
+}
+
+void tst_report::occasionCell()
+{
+    QFETCH(const QList<VLOccasionInfo>, occasions);
+    QFETCH(const QByteArray, cell);
+    RecordingPlatform platform;
+    platform.fileCount = 1;
+    VLOccasionInfoList list;
+    list.append(occasions);
+    Result result = resultOf(u"/r/x"_s, 16);
+    result.setOccasionInformation(list);
+    QCOMPARE(tableEntry(result, 2), row("Event", "/x", "1", cell));
 }
 
 void tst_report::isSmaller_data()
 {
-    QTest::addColumn<QString>("smaller");
-    QTest::addColumn<QString>("greater");
-
-    QTest::newRow("letters") << u"/r/a"_s << u"/r/b"_s;
-    QTest::newRow("prefix_first") << u"/r"_s << u"/r/a"_s;
-    QTest::newRow("upper_case_first") << u"/r/Z"_s << u"/r/a"_s;
-    QTest::newRow("blank_ahead_of_the_separator") << u"/r/2019 x"_s << u"/r/2019/01"_s;
-    QTest::newRow("hyphen_ahead_of_the_separator") << u"/r/2019-x"_s << u"/r/2019/01"_s;
-    QTest::newRow("digits_are_characters") << u"/r/10"_s << u"/r/9"_s;
-    QTest::newRow("accents_behind_all_letters") << u"/r/z"_s << u"/r/\u00e4"_s;
-    QTest::newRow("surrogates_ahead_of_the_end_of_the_plane")
-        << u"/r/\U0001F600"_s << u"/r/\uFF21"_s;
-    QTest::newRow("composed_and_decomposed_differ") << u"/r/a\u0308"_s << u"/r/\u00e4"_s;
-    QTest::newRow("relative_path_counts_from_the_root_of_all") << u"zz"_s << u"/~"_s;
-    QTest::newRow("relative_path_behind_a_lower_absolute_one") << u"/!"_s << u"!"_s;
-    QTest::newRow("no_directory_first") << QString() << u"/"_s;
+    const TestRows<QString, QString> row("smaller", "greater");
+    row("prefix_first", u"/r"_s, u"/r/a"_s);
+    row("upper_case_first", u"/r/Z"_s, u"/r/a"_s);
+    row("blank_ahead_of_the_separator", u"/r/2019 x"_s, u"/r/2019/01"_s);
+    row("hyphen_ahead_of_the_separator", u"/r/2019-x"_s, u"/r/2019/01"_s);
+    row("digits_are_characters", u"/r/10"_s, u"/r/9"_s);
+    row("accents_behind_all_letters", u"/r/z"_s, u"/r/\u00e4"_s);
+    row("code_units_are_compared", u"/r/\U0001F600"_s, u"/r/\uFF21"_s);
+    row("normal_forms_differ", u"/r/a\u0308"_s, u"/r/\u00e4"_s);
+    row("relative_path_is_made_absolute", u"zz"_s, u"/~"_s);
+    row("no_directory_first", {}, u"/"_s);
 }
 
 // The types, which run against the paths here, play no part.
@@ -298,27 +282,21 @@ void tst_report::isSmaller()
 
 void tst_report::rowsAreSorted_data()
 {
-    QTest::addColumn<QStringList>("paths");
-    QTest::addColumn<QByteArrayList>("directories");
-
-    QTest::newRow("no_results") << QStringList() << QByteArrayList();
-    QTest::newRow("case_and_hyphen") << QStringList { u"/r/a"_s, u"/r/B"_s, u"/r/a-b"_s }
-                                     << QByteArrayList { "/B", "/a", "/a-b" };
-    QTest::newRow("no_tree_order")
-        << QStringList { u"/r/2019/01"_s, u"/r/2019-x"_s, u"/r/2019 x"_s, u"/r/2019"_s }
-        << QByteArrayList { "/2019", "/2019 x", "/2019-x", "/2019/01" };
-    QTest::newRow("code_units_and_utf_8")
-        << QStringList { u"/r/\uFF21"_s, u"/r/\U0001F600"_s, u"/r/\u00e4"_s, u"/r/z"_s }
-        << QByteArrayList { "/z", "/\xc3\xa4", "/\xf0\x9f\x98\x80", "/\xef\xbc\xa1" };
-    QTest::newRow("equal_paths_all_stay")
-        << QStringList { u"/r/b"_s, u"/r/a"_s, u"/r/b"_s } << QByteArrayList { "/a", "/b", "/b" };
     QStringList many;
     QByteArrayList sorted;
     for (int number = 100; number < 200; ++number) {
         many.prepend(u"/r/"_s + QString::number(number));
         sorted.append('/' + QByteArray::number(number));
     }
-    QTest::newRow("long_list") << many << sorted;
+    const TestRows<QStringList, QByteArrayList> row("paths", "directories");
+    row("no_results", {}, {});
+    row("case_and_hyphen", { u"/r/a"_s, u"/r/B"_s, u"/r/a-b"_s }, { "/B", "/a", "/a-b" });
+    row("no_tree_order", { u"/r/2019/01"_s, u"/r/2019-x"_s, u"/r/2019 x"_s, u"/r/2019"_s },
+        { "/2019", "/2019 x", "/2019-x", "/2019/01" });
+    row("written_as_utf_8", { u"/r/\uFF21"_s, u"/r/\U0001F600"_s, u"/r/\u00e4"_s },
+        { "/\xc3\xa4", "/\xf0\x9f\x98\x80", "/\xef\xbc\xa1" });
+    row("equal_paths_all_stay", { u"/r/b"_s, u"/r/a"_s, u"/r/b"_s }, { "/a", "/b", "/b" });
+    row("long_list", many, sorted);
 }
 
 // The caller's list keeps its order, and what becomes of it is no matter. A new report logs
@@ -374,50 +352,38 @@ void tst_report::nameFiltersAreKept()
     QVERIFY(filters.isDetached());
 }
 
+// Its path may be relative: the messages have it absolute.
 void tst_report::secondReportHasTheSameBytes()
 {
     const RecordingPlatform platform;
     const MessageRecorder recorder;
     const RawDirectory directory;
+    const WorkingDirectory inside(directory.path());
     Renderer renderer({ resultOf(directory.path(), 1) }, 0, {});
     const QByteArray expected = report({ row("Root", directory.path().toUtf8(), "1", "no data") });
     for (int i = 0; i < 2; ++i) {
-        renderer.renderToFile(QFileInfo(directory.path(reportName)));
+        renderer.renderToFile(QFileInfo(QLatin1StringView(reportName)));
         QCOMPARE(fileContents(directory.path(reportName)), expected);
     }
     QCOMPARE(recorder.texts(), QStringList(removalText(directory.path(reportName), true)));
+    QCOMPARE(platform.calls.constLast(), u"directoryContentsChanged ."_s);
     QCOMPARE(
         QDir(directory.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
         QStringList(QLatin1StringView(reportName)));
 }
 
-void tst_report::relativeReportFile()
-{
-    const RecordingPlatform platform;
-    const MessageRecorder recorder;
-    RawDirectory directory({ "old.html" });
-    const WorkingDirectory inside(directory.path());
-    Renderer({}, 0, {}).renderToFile(QFileInfo(u"old.html"_s));
-    QCOMPARE(fileContents(directory.path("old.html")), report({}));
-    QCOMPARE(recorder.texts(), QStringList(removalText(directory.path("old.html"), true)));
-    QCOMPARE(platform.calls, QStringList(u"directoryContentsChanged ."_s));
-}
-
 void tst_report::oldReportIsReplaced_data()
 {
-    QTest::addColumn<QByteArrayList>("entries");
-    QTest::addColumn<int>("mode");
-
     const QByteArray name(reportName);
-    QTest::newRow("empty_file") << QByteArrayList { name } << -1;
-    QTest::newRow("file_without_permissions") << QByteArrayList { name } << 0;
-    QTest::newRow("link_to_a_file") << QByteArrayList { name + " -> elsewhere" } << -1;
-    QTest::newRow("link_to_a_directory") << QByteArrayList { "d/", name + " -> d" } << -1;
-    QTest::newRow("link_to_a_pipe") << QByteArrayList { "pipe|", name + " -> pipe" } << -1;
-    QTest::newRow("dangling_link") << QByteArrayList { name + " -> nowhere" } << -1;
-    QTest::newRow("link_to_itself") << QByteArrayList { name + " -> " + name } << -1;
-    QTest::newRow("pipe") << QByteArrayList { name + "|" } << -1;
-    QTest::newRow("socket") << QByteArrayList { name + "=" } << -1;
+    const TestRows<QByteArrayList, int> row("entries", "mode");
+    row("empty_file", { name }, -1);
+    row("file_without_permissions", { name }, 0);
+    row("link_to_a_file", { name + " -> elsewhere" }, -1);
+    row("link_to_a_directory", { "d/", name + " -> d" }, -1);
+    row("dangling_link", { name + " -> nowhere" }, -1);
+    row("link_to_itself", { name + " -> " + name }, -1);
+    row("pipe", { name + "|" }, -1);
+    row("socket", { name + "=" }, -1);
 }
 
 // Whatever it is, and what a link leads to stays as it is.
@@ -447,17 +413,12 @@ void tst_report::oldReportIsReplaced()
 
 void tst_report::debugLineEscapesThePath_data()
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QString>("escaped");
-
-    QTest::newRow("quotation_mark") << QByteArray("a\"b.html") << u"a\\\"b.html"_s;
-    QTest::newRow("backslash") << QByteArray("a\\b.html") << u"a\\\\b.html"_s;
-    QTest::newRow("line_feed") << QByteArray("a\nb.html") << u"a\\nb.html"_s;
-    QTest::newRow("tab") << QByteArray("a\tb.html") << u"a\\tb.html"_s;
-    QTest::newRow("letters_beyond_ascii_stay")
-        << QByteArray("\u00e4\u65e5.html") << u"\u00e4\u65e5.html"_s;
-    QTest::newRow("blanks_stay") << QByteArray("a  b.html") << u"a  b.html"_s;
-    QTest::newRow("placeholders_stay") << QByteArray("%1%2.html") << u"%1%2.html"_s;
+    const TestRows<QByteArray, QString> row("name", "escaped");
+    row("quotation_mark", "a\"b.html", u"a\\\"b.html"_s);
+    row("backslash", "a\\b.html", u"a\\\\b.html"_s);
+    row("white_space", "a  b\nc\t.html", u"a  b\\nc\\t.html"_s);
+    row("letters_beyond_ascii_stay", "\u00e4\u65e5.html", u"\u00e4\u65e5.html"_s);
+    row("placeholders_stay", "%1%2.html", u"%1%2.html"_s);
 }
 
 void tst_report::debugLineEscapesThePath()
@@ -478,15 +439,12 @@ void tst_report::debugLineEscapesThePath()
 
 void tst_report::reportThatCannotBeOpened_data()
 {
-    QTest::addColumn<QByteArray>("parent");
-    QTest::addColumn<QByteArray>("name");
-
-    QTest::newRow("directory_is_missing") << QByteArray("missing") << QByteArray(reportName);
-    QTest::newRow("directory_is_a_file") << QByteArray("file") << QByteArray(reportName);
-    QTest::newRow("name_is_too_long") << QByteArray("directory") << QByteArray(256, 'x');
-    QTest::newRow("name_is_a_directorys") << QByteArray("directory") << QByteArray("folder");
-    QTest::newRow("path_in_the_warning_is_not_escaped")
-        << QByteArray("a \"missing\" \\ one") << QByteArray(reportName);
+    const TestRows<QByteArray, QByteArray> row("parent", "name");
+    row("directory_is_missing", "missing", reportName);
+    row("directory_is_a_file", "file", reportName);
+    row("name_is_too_long", "directory", QByteArray(256, 'x'));
+    row("name_is_a_directorys", "directory", "folder");
+    row("path_in_the_warning_is_not_escaped", "a \"missing\" \\ one", reportName);
 }
 
 // No row is made then.
@@ -518,12 +476,10 @@ void tst_report::reportThatCannotBeOpened()
 
 void tst_report::directoryWithoutWritePermission_data()
 {
-    QTest::addColumn<int>("oldMode");
-    QTest::addColumn<bool>("isWritten");
-
-    QTest::newRow("no_old_report") << -1 << false;
-    QTest::newRow("read_only_report_stays") << 0444 << false;
-    QTest::newRow("writable_report_is_overwritten") << 0666 << true;
+    const TestRows<int, bool> row("oldMode", "isWritten");
+    row("no_old_report", -1, false);
+    row("read_only_report_stays", 0444, false);
+    row("writable_report_is_overwritten", 0666, true);
 }
 
 void tst_report::directoryWithoutWritePermission()
