@@ -3,6 +3,7 @@
 #include "RawDirectory.h"
 #include "RecordingPlatform.h"
 #include "Sanitizer.h"
+#include "TestRows.h"
 #include "UnprivilegedUser.h"
 #include "Walk.h"
 #include "WorkingDirectory.h"
@@ -14,7 +15,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <type_traits>
 #include <utility>
 
@@ -27,8 +27,6 @@ using Type = VLEventFolderTypeEnum;
 using Result = VLEventFolderClassificationResult;
 using Classifier = VLFolioEventClassifier;
 
-static_assert(std::is_polymorphic_v<Classifier>);
-static_assert(std::has_virtual_destructor_v<Classifier>);
 static_assert(std::is_same_v<decltype(&Classifier::eventFolderTypes),
                              QList<Result> (Classifier::*)(const QFileInfo&, const Result&)>);
 static_assert(std::is_same_v<decltype(&Classifier::contextDependentEventFolderType),
@@ -57,12 +55,6 @@ Result parentOf(Type type)
 Type ownTypeOf(const Classifier& classifier, const QString& path)
 {
     return classifier.eventFolderType(QFileInfo(path)).classification().value();
-}
-
-bool haveNoOccasions(const QList<Result>& results)
-{
-    return std::all_of(results.cbegin(), results.cend(),
-                       [](const Result& result) { return result.occasionInformation().isEmpty(); });
 }
 
 // How often "/step" can be appended to a path before the system refuses it with this error.
@@ -102,57 +94,37 @@ private:
     int m_depth = 0;
 };
 
-// A walk on a thread whose stack shows afterwards how much of it was used.
-class WalkOnOwnStack
+// How many bytes of its thread's stack a walk uses.
+std::size_t stackOfWalk(QString root)
 {
-public:
-    explicit WalkOnOwnStack(const QString& root)
-        : m_root(root)
-    {
-        constexpr std::size_t size = 8 * 1024 * 1024;
-        void* const memory =
-            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-        if (memory == MAP_FAILED)
-            qFatal("No memory for a stack");
-        auto* const stack = static_cast<unsigned char*>(memory);
-        std::memset(stack, untouched, size);
-        run(stack, size);
-        m_used = static_cast<std::size_t>(
-            stack + size
-            - std::find_if(stack, stack + size, [](unsigned char b) { return b != untouched; }));
-        munmap(memory, size);
-    }
+    constexpr std::size_t size = 8 * 1024 * 1024;
+    constexpr unsigned char untouched = 0xa5;
+    void* const memory =
+        mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory == MAP_FAILED)
+        qFatal("No memory for a stack");
+    auto* const stack = static_cast<unsigned char*>(memory);
+    std::memset(stack, untouched, size);
 
-    [[nodiscard]] qsizetype resultCount() const { return m_resultCount; }
-    [[nodiscard]] std::size_t usedBytes() const { return m_used; }
-
-private:
-    static constexpr unsigned char untouched = 0xa5;
-
-    static void* work(void* self)
-    {
-        auto* const object = static_cast<WalkOnOwnStack*>(self);
-        object->m_resultCount = walk(object->m_root).size();
+    const auto work = [](void* path) -> void* {
+        if (walk(*static_cast<const QString*>(path)).size() < 100)
+            qFatal("The walk ends too early");
         return nullptr;
-    }
+    };
+    pthread_attr_t attributes;
+    pthread_t thread;
+    if (pthread_attr_init(&attributes) != 0 || pthread_attr_setstack(&attributes, stack, size) != 0
+        || pthread_create(&thread, &attributes, work, &root) != 0
+        || pthread_join(thread, nullptr) != 0)
+        qFatal("No thread on a stack of its own");
+    pthread_attr_destroy(&attributes);
 
-    void run(unsigned char* stack, std::size_t size)
-    {
-        pthread_attr_t attributes;
-        pthread_t thread;
-        if (pthread_attr_init(&attributes) != 0
-            || pthread_attr_setstack(&attributes, stack, size) != 0
-            || pthread_create(&thread, &attributes, work, this) != 0
-            || pthread_join(thread, nullptr) != 0) {
-            qFatal("No thread on a stack of its own");
-        }
-        pthread_attr_destroy(&attributes);
-    }
-
-    QString m_root;
-    std::size_t m_used = 0;
-    qsizetype m_resultCount = 0;
-};
+    const auto* const deepest =
+        std::find_if(stack, stack + size, [](unsigned char byte) { return byte != untouched; });
+    const auto used = static_cast<std::size_t>(stack + size - deepest);
+    munmap(memory, size);
+    return used;
+}
 
 } // namespace
 
@@ -182,18 +154,15 @@ private Q_SLOTS:
     void unreadableFolder_data();
     void unreadableFolder();
     void deepestTree();
-    void deepestTreeFitsHalfAMegabyteOfStack();
 
-    void rootIsCopied();
-    void constructorDoesNotLook();
+    void constructorCopiesTheRootAndDoesNotLook();
     void walkListsAnew();
 
     void photokitPath_data();
     void photokitPath();
-    void photokitFolderStaysEventBelow_data();
     void photokitFolderStaysEventBelow();
-    void equalityIsThatOfTheFileEngine();
-    void resultKeepsItsFileEngine();
+    void photokitEqualityIsThatOfTheEngine();
+    void photokitResultKeepsItsEngine();
 
     void walkIsEmptyOnceTheApplicationIsGone();
     void walkEndsAtTheNextFolderAndKeepsWhatItHas();
@@ -213,16 +182,14 @@ void tst_walk::init()
 {
     // Newer Qt says with each application object that the C library lacks the locale.
     QTest::failOnWarning(QRegularExpression(u"^(?!Detected locale )"_s));
+    if (!PathsAsGiven::isAvailable
+        && QByteArray(QTest::currentTestFunction()).startsWith("photokit"))
+        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
 }
 
 void tst_walk::context_data()
 {
-    struct Parent
-    {
-        const char* name;
-        Type type;
-    };
-    const QList<Parent> parents {
+    const QList<std::pair<const char*, Type>> parents {
         { "unknown", Type::Unknown },
         { "root", Type::Root },
         { "year", Type::Year },
@@ -231,9 +198,7 @@ void tst_walk::context_data()
         { "event", Type::Event },
         { "project", Type::ProjectFolder },
         { "year_and_month", combined(Type::Year, Type::Month) },
-        { "year_and_event", combined(Type::Year, Type::Event) },
         { "day_and_event", combined(Type::Day, Type::Event) },
-        { "all_flags", static_cast<Type>(63) },
         { "no_flag_of_ours", static_cast<Type>(64) },
     };
     constexpr auto U = Type::Unknown;
@@ -251,12 +216,12 @@ void tst_walk::context_data()
     };
     const QList<Row> rows {
         // U  R  Y  M  D  E  P  and the combinations
-        { { U, U, E, E, U, U, U, U, U, U, U, U }, "unknown", u"/pictures/Beach"_s },
-        { { Y, Y, E, E, Y, Y, Y, Y, Y, Y, Y, Y }, "year", u"/pictures/2019"_s },
-        { { M, M, M, E, M, M, M, M, M, M, M, M }, "month", u"/pictures/07"_s },
-        { { E, E, E, E, E, D, E, E, E, E, E, E }, "day", u"pictures/../2019-07-14"_s },
-        { { R, R, R, R, R, R, R, R, R, R, R, R }, "root", u"/"_s },
-        { { P, P, P, P, P, P, P, P, P, P, P, P }, "project", u"x_vlp-Dateien"_s },
+        { { U, U, E, E, U, U, U, U, U, U }, "unknown", u"/pictures/Beach"_s },
+        { { Y, Y, E, E, Y, Y, Y, Y, Y, Y }, "year", u"/pictures/2019"_s },
+        { { M, M, M, E, M, M, M, M, M, M }, "month", u"/pictures/07"_s },
+        { { E, E, E, E, E, D, E, E, E, E }, "day", u"pictures/../2019-07-14"_s },
+        { { R, R, R, R, R, R, R, R, R, R }, "root", u"/"_s },
+        { { P, P, P, P, P, P, P, P, P, P }, "project", u"x_vlp-Dateien"_s },
     };
 
     QTest::addColumn<QString>("folder");
@@ -264,8 +229,9 @@ void tst_walk::context_data()
     QTest::addColumn<VLEventFolderTypeEnum>("type");
     for (const Row& row : rows) {
         for (qsizetype i = 0; i < parents.size(); ++i) {
-            QTest::addRow("%s_below_%s", row.name, parents.at(i).name)
-                << row.folder << parents.at(i).type << row.byParent.at(i);
+            const auto& [name, type] = parents.at(i);
+            QTest::addRow("%s_below_%s", row.name, name)
+                << row.folder << type << row.byParent.at(i);
         }
     }
 }
@@ -288,13 +254,7 @@ void tst_walk::context()
 
 void tst_walk::ownType_data()
 {
-    QTest::addColumn<QByteArray>("root");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<VLEventFolderTypeEnum>("type");
-
-    const auto row = [](const char* name, const char* root, const QString& path, Type type) {
-        QTest::newRow(name) << QByteArray(root) << path << type;
-    };
+    const TestRows<QByteArray, QString, Type> row("root", "path", "type");
     row("root", "pics", u"pics"_s, Type::Root);
     row("root_with_trailing_slash", "pics", u"pics/"_s, Type::Root);
     row("root_through_dot", "pics", u"./pics/."_s, Type::Root);
@@ -308,13 +268,10 @@ void tst_walk::ownType_data()
     row("above_root", "pics", u"."_s, Type::Unknown);
     row("year", "pics", u"pics/2019"_s, Type::Year);
     row("year_with_trailing_slash_has_no_name", "pics", u"pics/2019/"_s, Type::Unknown);
-    row("month", "pics", u"pics/2019/07"_s, Type::Month);
     row("day_below_month", "pics", u"pics/2019/07/2019-07-14"_s, Type::Day);
-    row("unknown_below_year", "pics", u"pics/2019/Beach"_s, Type::Unknown);
     row("project", "pics", u"pics/2019-07-14_vlp-Dateien"_s, Type::ProjectFolder);
     row("only_the_last_part_is_the_name", "pics", u"2019/07/2019-07-14/Beach"_s, Type::Unknown);
     row("photokit_is_no_absolute_path", "pics", u"photokit"_s, Type::Unknown);
-    row("photokit_with_year_is_no_absolute_path", "pics", u"photokit/2019"_s, Type::Year);
     row("file", "pics", u"pics/2018"_s, Type::Year);
     // To Qt, two files that do not exist are the same.
     row("missing_root", "missing", u"missing"_s, Type::Root);
@@ -322,7 +279,6 @@ void tst_walk::ownType_data()
     row("what_is_missing_below_it_also", "missing", u"missing/2018"_s, Type::Root);
     row("what_is_there_is_not_the_missing_root", "missing", u"pics/2019"_s, Type::Year);
     row("root_of_the_file_system", "/", u"/"_s, Type::Root);
-    row("root_of_the_file_system_through_dot", "/", u"/."_s, Type::Root);
     row("above_the_root_of_the_file_system", "/", u"/.."_s, Type::Root);
     row("below_the_root_of_the_file_system", "/", u"/2019"_s, Type::Year);
     // The system follows a link before it goes up again; a path without ".." would lead elsewhere.
@@ -384,13 +340,7 @@ void tst_walk::linkToTheRootThatIsGone()
 
 void tst_walk::tree_data()
 {
-    QTest::addColumn<QByteArrayList>("entries");
-    QTest::addColumn<QByteArrayList>("expected");
-
-    const auto row = [](const char* name, const QByteArrayList& entries,
-                        const QByteArrayList& expected) {
-        QTest::newRow(name) << entries << expected;
-    };
+    const TestRows<QByteArrayList, QByteArrayList> row("entries", "expected");
     row("empty_root", {}, { " Root" });
     row("each_rule_in_a_tree",
         { "2019/07/Beach/2019-07-15/", "2019/07/Beach/Shots/", "2019/2019-08-01/", "2019/2020/08/",
@@ -406,9 +356,6 @@ void tst_walk::tree_data()
           "/2019-07-14 Event", "/2019-07-14/2019-07-15 Day",
           "/2019-07-14/2019-07-15/2019-07-16 Event", "/x_vlp-Dateien ProjectFolder",
           "/x_vlp-Dateien/Beach Unknown", "/x_vlp-Dateien/Beach/2019 Year" });
-    row("pre_order", { "a/a/a/", "a/b/", "b/a/", "c/" },
-        { " Root", "/a Unknown", "/a/a Unknown", "/a/a/a Unknown", "/a/b Unknown", "/b Unknown",
-          "/b/a Unknown", "/c Unknown" });
     // Capitals before small letters, 10 before 9, what lies outside the basic plane before the
     // fullwidth letters. A folder's tree is whole before its neighbours "2019-x" and "C D".
     row("order_of_utf_16_code_units",
@@ -427,25 +374,16 @@ void tst_walk::tree_data()
           "link -> .hidden" },
         { " Root", "/2018 Year", "/2019 Year", "/link Unknown", "/link/2019 Year",
           "/link/2019/07 Month" });
-    row("files_pipes_and_sockets_are_ignored",
-        { "2019/", "2018", "2019/07", "a.jpg", "2017 -> 2018", "2016|", "2015=" },
+    row("what_is_no_folder_is_ignored",
+        { "2019/", "2018", "2019/07", "2017 -> 2018", "2016|", "2015=", "2014 -> nowhere",
+          "2013 -> 2013" },
         { " Root", "/2019 Year" });
-    // So does QDir: only a link to a file is none to a folder. Nothing is below such a "folder".
-    row("links_to_pipes_sockets_and_devices_are_listed",
-        { "pipe|", "socket=", "to_pipe -> pipe", "to_socket -> socket", "to_null -> /dev/null",
-          "to_zero -> /dev/zero" },
-        { " Root", "/to_null Unknown", "/to_pipe Unknown", "/to_socket Unknown",
-          "/to_zero Unknown" });
     row("links_to_folders_are_followed",
         { "2019/07/", ".elsewhere/Beach/2019-07-14/", "2019/Rome -> ../.elsewhere",
           "twice -> 2019/Rome" },
         { " Root", "/2019 Year", "/2019/07 Month", "/2019/Rome Event", "/2019/Rome/Beach Unknown",
           "/2019/Rome/Beach/2019-07-14 Event", "/twice Unknown", "/twice/Beach Unknown",
           "/twice/Beach/2019-07-14 Event" });
-    row("dangling_links_are_ignored",
-        { "2019/", "2018 -> nowhere", "2017 -> 2017", "2016 -> 2018",
-          "2019/07 -> ../../nowhere/07" },
-        { " Root", "/2019 Year" });
 }
 
 void tst_walk::tree()
@@ -457,7 +395,8 @@ void tst_walk::tree()
     const RecordingPlatform platform;
     const QList<Result> results = walk(directory.path());
     QCOMPARE(lines(results, directory.path()), expected);
-    QVERIFY(haveNoOccasions(results));
+    for (const Result& result : results)
+        QVERIFY(result.occasionInformation().isEmpty());
     // Nothing that is left out by the rules is told.
     QVERIFY(platform.incomplete.isEmpty());
 }
@@ -465,50 +404,34 @@ void tst_walk::tree()
 void tst_walk::start_data()
 {
     // "@" is the directory above, "pics" the working directory.
-    QTest::addColumn<QString>("root");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<VLEventFolderTypeEnum>("parent");
-    QTest::addColumn<QByteArrayList>("expected");
-
-    const auto root = [](const char* name, const QString& path, const QByteArrayList& expected) {
-        QTest::newRow(name) << path << path << Type::Unknown << expected;
-    };
     const QByteArrayList whole { "/pics Root", "/pics/2019 Year", "/pics/2019/07 Month",
                                  "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" };
-    root("absolute_root", u"@/pics"_s, whole);
-    root("relative_root", u"../pics"_s, whole);
-    root("working_directory_as_root", u"."_s, whole);
-    root("root_with_trailing_slash", u"@/two/"_s, { "/two/ Root", "/two/07 Month" });
-    root("link_as_root", u"@/2018"_s,
-         { "/2018 Root", "/2018/2019 Year", "/2018/2019/07 Month", "/2018/Beach Unknown",
-           "/2018/Beach/2019-07-14 Event" });
-    root("root_named_like_a_date", u"2019-07-14"_s, { "/pics/2019-07-14 Root" });
-    root("missing_root", u"@/2019-07-14"_s, { "/2019-07-14 Root" });
-    root("file_as_root", u"@/2017"_s, { "/2017 Root" });
-    root("pipe_as_root", u"@/2016"_s, { "/2016 Root" });
-
-    const auto other = [](const char* name, const QString& rootPath, const QString& start,
-                          Type parent, const QByteArrayList& expected) {
-        QTest::newRow(name) << rootPath << start << parent << expected;
-    };
-    // Where a walk starts is no root by that.
-    other("start_outside_the_root", u"@/two"_s, u"@/pics"_s, Type::Unknown,
-          { "/pics Unknown", "/pics/2019 Year", "/pics/2019/07 Month", "/pics/Beach Unknown",
-            "/pics/Beach/2019-07-14 Event" });
-    other("start_above_the_root", u"@/pics/2019"_s, u"@/pics"_s, Type::Unknown,
-          { "/pics Unknown", "/pics/2019 Root", "/pics/2019/07 Month", "/pics/Beach Unknown",
-            "/pics/Beach/2019-07-14 Event" });
-    other("start_below_a_month", u"@/pics"_s, u"Beach"_s, Type::Month,
-          { "/pics/Beach Event", "/pics/Beach/2019-07-14 Day" });
-    other("start_below_unknown", u"@/pics"_s, u"Beach"_s, Type::Unknown,
-          { "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" });
-    other("start_below_a_combination", u"@/pics"_s, u"Beach"_s, combined(Type::Year, Type::Month),
-          { "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" });
+    const auto unknown = Type::Unknown;
+    const TestRows<QString, QString, Type, QByteArrayList> row("root", "start", "parent",
+                                                               "expected");
+    row("absolute_root", u"@/pics"_s, u"@/pics"_s, unknown, whole);
+    row("relative_root", u"../pics"_s, u"../pics"_s, unknown, whole);
+    row("working_directory_as_root", u"."_s, u"."_s, unknown, whole);
+    row("root_with_trailing_slash", u"@/two/"_s, u"@/two/"_s, unknown,
+        { "/two/ Root", "/two/07 Month" });
+    row("link_as_root", u"@/2018"_s, u"@/2018"_s, unknown,
+        { "/2018 Root", "/2018/2019 Year", "/2018/2019/07 Month", "/2018/Beach Unknown",
+          "/2018/Beach/2019-07-14 Event" });
+    row("missing_root", u"@/2019-07-14"_s, u"@/2019-07-14"_s, unknown, { "/2019-07-14 Root" });
+    row("file_as_root", u"@/2017"_s, u"@/2017"_s, unknown, { "/2017 Root" });
     // A directory without a path is the working directory, but has none in its result.
-    QTest::newRow("default_constructed_root")
-        << QString() << QString() << Type::Unknown
-        << QByteArrayList { " Root", "/pics/2019 Year", "/pics/2019/07 Month",
-                            "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" };
+    row("default_constructed_root", {}, {}, unknown, QByteArrayList { " Root" } + whole.sliced(1));
+
+    // Where a walk starts is no root by that.
+    const QByteArrayList beach { "/pics/Beach Unknown", "/pics/Beach/2019-07-14 Event" };
+    row("start_outside_the_root", u"@/two"_s, u"@/pics"_s, unknown,
+        QByteArrayList { "/pics Unknown" } + whole.sliced(1));
+    row("start_above_the_root", u"@/pics/2019"_s, u"@/pics"_s, unknown,
+        QByteArrayList { "/pics Unknown", "/pics/2019 Root", "/pics/2019/07 Month" } + beach);
+    row("start_below_a_month", u"@/pics"_s, u"Beach"_s, Type::Month,
+        { "/pics/Beach Event", "/pics/Beach/2019-07-14 Day" });
+    row("start_below_a_combination", u"@/pics"_s, u"Beach"_s, combined(Type::Year, Type::Month),
+        beach);
 }
 
 void tst_walk::start()
@@ -519,8 +442,7 @@ void tst_walk::start()
     QFETCH(const QByteArrayList, expected);
 
     RawDirectory tree;
-    tree.make(
-        { "pics/2019/07/", "pics/Beach/2019-07-14/", "two/07/", "2018 -> pics", "2017", "2016|" });
+    tree.make({ "pics/2019/07/", "pics/Beach/2019-07-14/", "two/07/", "2018 -> pics", "2017" });
     QVERIFY2(tree.isValid(), tree.error());
     const WorkingDirectory inside(tree.path("pics"));
     const QFileInfo rootInfo(root.replace(u'@', tree.path()));
@@ -534,32 +456,18 @@ void tst_walk::start()
 
 void tst_walk::linkCircle_data()
 {
-    QTest::addColumn<QByteArrayList>("entries");
-    QTest::addColumn<QByteArrayList>("begin");
-    QTest::addColumn<int>("resultsPerLink");
-    QTest::addColumn<int>("otherResults");
-
-    // The root and the folder once, and then the link in each of its own steps.
-    QTest::newRow("link_to_its_own_folder")
-        << QByteArrayList { "2019/", "2019/2020 -> ../2019" }
-        << QByteArrayList { " Root", "/2019 Year", "/2019/2020 Event", "/2019/2020/2020 Year",
-                            "/2019/2020/2020/2020 Event" }
-        << 1 << 2;
+    const TestRows<QByteArrayList, QByteArrayList, int, int> row("entries", "begin",
+                                                                 "resultsPerLink", "otherResults");
     // Each step is the root again, whatever the link is called, and shows the folder.
-    QTest::newRow("link_to_the_root")
-        << QByteArrayList { "Beach/", "2019 -> ." }
-        << QByteArrayList { " Root", "/2019 Root", "/2019/2019 Root" } << 2 << 2;
-    QTest::newRow("link_to_the_folder_above")
-        << QByteArrayList { "2019/", "2019/x -> .." }
-        << QByteArrayList { " Root", "/2019 Year", "/2019/x Root", "/2019/x/2019 Year" } << 2 << 2;
+    row("link_to_the_root", { "Beach/", "2019 -> ." }, { " Root", "/2019 Root", "/2019/2019 Root" },
+        2, 2);
     // One chain begins in each of the folders.
-    QTest::newRow("two_folders_that_link_to_each_other")
-        << QByteArrayList { "2019/", "2020/", "2019/x -> ../2020", "2020/x -> ../2019" }
-        << QByteArrayList { " Root", "/2019 Year", "/2019/x Event", "/2019/x/x Unknown" } << 2 << 3;
+    row("two_folders_that_link_to_each_other",
+        { "2019/", "2020/", "2019/x -> ../2020", "2020/x -> ../2019" },
+        { " Root", "/2019 Year", "/2019/x Event", "/2019/x/x Unknown" }, 2, 3);
     // No listing by itself meets more than one link: those in the whole path count.
-    QTest::newRow("beside_a_name_that_is_not_utf_8")
-        << QByteArrayList { "\xff/", "circle -> ." } << QByteArrayList { " Root", "/circle Root" }
-        << 1 << 1;
+    row("beside_a_name_that_is_not_utf_8", { "\xff/", "circle -> ." }, { " Root", "/circle Root" },
+        1, 1);
 }
 
 // Nothing but the system's limit ends them.
@@ -584,14 +492,11 @@ void tst_walk::linkCircle()
 
 void tst_walk::unreadableFolder_data()
 {
-    QTest::addColumn<QByteArray>("folder");
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QByteArrayList>("expected");
-
     const QByteArrayList without2018 { " Root", "/2018 Year", "/2019 Year", "/2019/07 Month" };
-    QTest::newRow("without_any_right") << QByteArray("2018") << 0 << without2018;
-    QTest::newRow("may_be_entered_but_not_read") << QByteArray("2018") << 0111 << without2018;
-    QTest::newRow("root") << QByteArray() << 0 << QByteArrayList { " Root" };
+    const TestRows<QByteArray, int, QByteArrayList> row("folder", "mode", "expected");
+    row("without_any_right", "2018", 0, without2018);
+    row("may_be_entered_but_not_read", "2018", 0111, without2018);
+    row("root", "", 0, { " Root" });
 }
 
 void tst_walk::unreadableFolder()
@@ -616,8 +521,8 @@ void tst_walk::unreadableFolder()
     QCOMPARE(found, expected);
 }
 
-// A path that the system refuses has no subdirectories. The last one that it takes may still name
-// one.
+// A path that the system refuses has no subdirectories; the last one that it takes may still name
+// one. The stack of a secondary thread is smallest on macOS, half a megabyte.
 void tst_walk::deepestTree()
 {
     const RawDirectory directory;
@@ -631,42 +536,23 @@ void tst_walk::deepestTree()
     QCOMPARE(found.mid(0, 3), (QByteArrayList { " Root", "/d Unknown", "/d/d Unknown" }));
     QVERIFY2(found.size() == steps + 1 || found.size() == steps + 2 || found.size() == steps + 3,
              qPrintable(u"%1 results, %2 steps"_s.arg(found.size()).arg(steps)));
-}
-
-// The stack of a secondary thread where it is smallest, macOS.
-void tst_walk::deepestTreeFitsHalfAMegabyteOfStack()
-{
 #ifndef NDEBUG
     QSKIP("Not built with optimization: use a Release build");
 #endif
     if (underSanitizer)
         QSKIP("A sanitizer takes stack of its own: use a build without one");
-    const RawDirectory directory;
-    const DeepTree deep(directory.path(), 2'100);
-    const WalkOnOwnStack found(directory.path());
-    QVERIFY(found.resultCount() > 100);
-    qInfo("%lld results, %zu bytes of stack", static_cast<long long>(found.resultCount()),
-          found.usedBytes());
-    QVERIFY(found.usedBytes() < 512UL * 1024);
+    const std::size_t used = stackOfWalk(directory.path());
+    QVERIFY2(used < 512UL * 1024, qPrintable(QString::number(used)));
 }
 
-void tst_walk::rootIsCopied()
-{
-    RawDirectory tree({ "2019/" });
-    QFileInfo root(tree.path());
-    Classifier classifier(root);
-    root.setFile(tree.path("2019"));
-    QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(tree.path()), {}), tree.path()),
-             (QByteArrayList { " Root", "/2019 Year" }));
-}
-
-void tst_walk::constructorDoesNotLook()
+void tst_walk::constructorCopiesTheRootAndDoesNotLook()
 {
     RawDirectory tree;
-    const QFileInfo root(tree.path("later"));
+    QFileInfo root(tree.path("later"));
     Classifier classifier(root);
+    root.setFile(tree.path("later/2019"));
     QVERIFY2(tree.make({ "later/2019/" }).isValid(), tree.error());
-    QCOMPARE(lines(classifier.eventFolderTypes(root, {}), tree.path()),
+    QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(tree.path("later")), {}), tree.path()),
              (QByteArrayList { "/later Root", "/later/2019 Year" }));
 }
 
@@ -714,37 +600,26 @@ void tst_walk::walkIsEmptyOnceTheApplicationIsGone()
 
 void tst_walk::photokitPath_data()
 {
-    QTest::addColumn<bool>("isPresented");
-    QTest::addColumn<QString>("root");
-    QTest::addColumn<QString>("start");
-    QTest::addColumn<QByteArrayList>("expected");
-
-    const QString elsewhere = u"elsewhere"_s;
-    QTest::newRow("event_whatever_the_name")
-        << true << elsewhere << u"photokit"_s
-        << QByteArrayList { "photokit Event", "photokit/2019 Event", "photokit/2019/07 Event",
-                            "photokit/2019/07/2019-07-14 Event", "photokit/x_vlp-Dateien Event" };
-    QTest::newRow("prefix_of_a_longer_name")
-        << true << elsewhere << u"photokitten"_s
-        << QByteArrayList { "photokitten Event", "photokitten/2019 Event" };
-    QTest::newRow("root_is_root_first")
-        << true << u"photokit/2019/07"_s << u"photokit/2019/07"_s
-        << QByteArrayList { "photokit/2019/07 Root", "photokit/2019/07/2019-07-14 Event" };
+    const TestRows<bool, QString, QString, QByteArrayList> row("isPresented", "root", "start",
+                                                               "expected");
+    row("event_whatever_the_name", true, u"elsewhere"_s, u"photokit"_s,
+        { "photokit Event", "photokit/2019 Event", "photokit/2019/07 Event",
+          "photokit/2019/07/2019-07-14 Event", "photokit/x_vlp-Dateien Event" });
+    row("prefix_of_a_longer_name", true, u"elsewhere"_s, u"photokitten"_s,
+        { "photokitten Event", "photokitten/2019 Event" });
+    row("root_is_root_first", true, u"photokit/2019/07"_s, u"photokit/2019/07"_s,
+        { "photokit/2019/07 Root", "photokit/2019/07/2019-07-14 Event" });
 #ifndef Q_OS_DARWIN // "photokit" is the same folder there.
-    QTest::newRow("prefix_is_case_sensitive")
-        << true << elsewhere << u"Photokit"_s
-        << QByteArrayList { "Photokit Unknown", "Photokit/2019 Year", "Photokit/2019/07 Month" };
+    row("prefix_is_case_sensitive", true, u"elsewhere"_s, u"Photokit"_s,
+        { "Photokit Unknown", "Photokit/2019 Year", "Photokit/2019/07 Month" });
 #endif
     // To the system the same path is a file like any other.
-    QTest::newRow("absolute_path_counts")
-        << false << elsewhere << u"photokitten"_s
-        << QByteArrayList { "/photokitten Unknown", "/photokitten/2019 Year" };
+    row("absolute_path_counts", false, u"elsewhere"_s, u"photokitten"_s,
+        { "/photokitten Unknown", "/photokitten/2019 Year" });
 }
 
 void tst_walk::photokitPath()
 {
-    if (!PathsAsGiven::isAvailable)
-        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
     QFETCH(const bool, isPresented);
     QFETCH(const QString, root);
     QFETCH(const QString, start);
@@ -761,36 +636,22 @@ void tst_walk::photokitPath()
     QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(start), {}), tree.path()), expected);
 }
 
-void tst_walk::photokitFolderStaysEventBelow_data()
-{
-    QTest::addColumn<VLEventFolderTypeEnum>("parent");
-
-    for (const Type parent : { Type::Unknown, Type::Root, Type::Year, Type::Month, Type::Day,
-                               Type::Event, Type::ProjectFolder, static_cast<Type>(63) })
-        QTest::addRow("%s", qPrintable(typeName(parent))) << parent;
-}
-
 void tst_walk::photokitFolderStaysEventBelow()
 {
-    if (!PathsAsGiven::isAvailable)
-        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
-    QFETCH(const VLEventFolderTypeEnum, parent);
-
     const PathsAsGiven engine(u"photokit"_s);
     Classifier classifier { QFileInfo(u"/"_s) };
-    const Result result = classifier.contextDependentEventFolderType(
-        QFileInfo(u"photokit/./2019-07-14"_s), parentOf(parent));
-    QCOMPARE(result.classification().value(), Type::Event);
-    QCOMPARE(result.directory().filePath(), u"photokit/./2019-07-14"_s);
-    QCOMPARE(result.directory().absoluteFilePath(), u"photokit/2019-07-14"_s);
-    QCOMPARE(result.occasionInformation().size(), 0);
+    for (const Type parent : { Type::Unknown, Type::Year, Type::Month, Type::Event }) {
+        const Result result = classifier.contextDependentEventFolderType(
+            QFileInfo(u"photokit/./2019-07-14"_s), parentOf(parent));
+        QCOMPARE(result.classification().value(), Type::Event);
+        QCOMPARE(result.directory().filePath(), u"photokit/./2019-07-14"_s);
+        QCOMPARE(result.directory().absoluteFilePath(), u"photokit/2019-07-14"_s);
+    }
 }
 
 // What the root is, is asked of the engine, whatever the paths are to the system.
-void tst_walk::equalityIsThatOfTheFileEngine()
+void tst_walk::photokitEqualityIsThatOfTheEngine()
 {
-    if (!PathsAsGiven::isAvailable)
-        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
     RawDirectory tree({ "photokit/Beach/", "Photokit/" });
     const WorkingDirectory inside(tree.path());
     const PathsAsGiven engine(u"photokit"_s);
@@ -803,10 +664,8 @@ void tst_walk::equalityIsThatOfTheFileEngine()
 }
 
 // Once it was made, also where the engine is no more asked for new files.
-void tst_walk::resultKeepsItsFileEngine()
+void tst_walk::photokitResultKeepsItsEngine()
 {
-    if (!PathsAsGiven::isAvailable)
-        QSKIP("Built without Qt's private headers: scripts/install-packages check brings them");
     Result first;
     Result second;
     {
