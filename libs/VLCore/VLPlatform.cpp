@@ -9,15 +9,30 @@
 #include <new>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 using ListingProblem = VLPlatformIndependent::ListingProblem;
 
-VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
-    : m_descriptor(::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
-    , m_error(m_descriptor < 0 ? errno : 0)
+namespace {
+
+int openDirectory(const QByteArray& path)
 {
+    return ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+} // namespace
+
+// The "." in a directory is found only where the directory may be searched, so that opening it
+// tells that with no further call. The longest path that the system takes has no room for it.
+VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
+    : m_descriptor(openDirectory(path + "/."))
+    , m_error(isOpen() ? 0 : errno)
+{
+    if (m_error != EACCES && m_error != ENAMETOOLONG)
+        return;
+    m_isSearchable = m_error != EACCES;
+    m_descriptor = openDirectory(path);
+    m_error = isOpen() ? 0 : errno;
 }
 
 VLPlatform::OpenDirectory::~OpenDirectory()
@@ -46,15 +61,13 @@ void VLPlatform::addNotOpened(Listing& listing, const OpenDirectory& directory)
 
 void VLPlatform::addIfUnsearchable(Listing& listing, const OpenDirectory& directory)
 {
-    struct stat status = {};
-    if (::fstatat(directory.descriptor(), ".", &status, 0) == 0)
+    if (directory.isSearchable())
         return;
-    const int error = errno;
     // One problem of the directory stands for those of its entries.
-    listing.problems.removeIf([error](const Problem& problem) {
-        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == error;
+    listing.problems.removeIf([](const Problem& problem) {
+        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
     });
-    addProblem(listing, ListingProblem::Unsearchable, error);
+    addProblem(listing, ListingProblem::Unsearchable, EACCES);
 }
 
 QStringList VLPlatform::namesListedByQt(const QString& path, Wanted wanted)

@@ -70,10 +70,13 @@ public:
     [[nodiscard]] int descriptor() const { return m_descriptor; }
     /// Why it could not be opened (errno), or 0.
     [[nodiscard]] int error() const { return m_error; }
+    /// False if its entries can be neither asked about nor entered (EACCES).
+    [[nodiscard]] bool isSearchable() const { return m_isSearchable; }
 
 private:
     int m_descriptor;
     int m_error;
+    bool m_isSearchable = true;
 };
 
 /// Adds a problem to \a listing unless it is there. Throws std::bad_alloc for the error ENOMEM.
