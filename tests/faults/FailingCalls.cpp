@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <climits>
+#include <clocale>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -13,12 +16,17 @@
 #include <cstring>
 #include <initializer_list>
 #include <string_view>
+#include <thread>
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -36,6 +44,18 @@ std::array<char, 16> armedCall {};
 Path armedDirectory {};
 Path failedPath {};
 
+// A command that is run before a call.
+struct Order
+{
+    std::array<char, 16> call {};
+    std::atomic<long> callsLeft = 0;
+    const char* command = nullptr;
+};
+
+std::array<Order, 2> orders {};
+// Each line of the progress is flushed.
+std::atomic<long> flushes = 0;
+
 void copy(std::string_view text, char* target, std::size_t size)
 {
     const std::size_t length = std::min(text.size(), size - 1);
@@ -47,6 +67,42 @@ void tell(std::initializer_list<std::string_view> texts)
 {
     for (const std::string_view text : texts)
         syscall(SYS_write, STDERR_FILENO, text.data(), text.size());
+}
+
+// Gives up after a time that no machine takes.
+void awaitProgress()
+{
+    const long before = flushes;
+    for (int i = 0; i < 6000 && flushes == before; ++i)
+        std::this_thread::sleep_for(10ms);
+}
+
+void run(const char* command)
+{
+    char shell[] = "/bin/sh";
+    char option[] = "-c";
+    char path[] = "PATH=/usr/bin:/bin";
+    std::array<char*, 4> arguments { shell, option, const_cast<char*>(command), nullptr };
+    std::array<char*, 2> environment { path, nullptr };
+    pid_t child = 0;
+    if (posix_spawn(&child, shell, nullptr, nullptr, arguments.data(), environment.data()) == 0)
+        waitpid(child, nullptr, 0);
+}
+
+// Before the call is made: what the one before it has done is all that was done.
+void obeyOrders(std::string_view call)
+{
+    for (Order& order : orders) {
+        const bool isMeant = std::string_view(order.call.data()) == "any"
+            ? call == "open" || call == "close" || call == "write" || call == "change"
+            : call == order.call.data();
+        if (!isMeant || order.callsLeft <= 0 || --order.callsLeft != 0)
+            continue;
+        if (std::string_view(order.command) == "await")
+            awaitProgress();
+        else
+            run(order.command);
+    }
 }
 
 bool isInArmedDirectory(std::string_view path)
@@ -100,6 +156,7 @@ Path pathOf(int descriptor, const char* name = "")
 
 bool fails(std::string_view call, int descriptor, const char* name = "")
 {
+    obeyOrders(call);
     return lastFailing > 0 && fails(call, std::string_view(pathOf(descriptor, name).data()));
 }
 
@@ -117,9 +174,33 @@ void forgetFileTypes(char* entries, ssize_t size)
     }
 }
 
-[[gnu::constructor]] void armFromEnvironment()
+void takeOrder(Order& order, const char* text)
 {
-    const char* const order = std::getenv("VLFOLIO_FAILING_CALL");
+    long call = 0;
+    int command = 0;
+    if (text == nullptr
+        || std::sscanf(text, "%15s %ld %n", order.call.data(), &call, &command) != 2)
+        return;
+    order.command = text + command;
+    order.callsLeft = call;
+}
+
+void changeRoot(const char* root)
+{
+    // The new root has no data of locales. Those that are loaded already, the C library keeps.
+    std::setlocale(LC_ALL, "");
+    constexpr int setUpFailed = 125;
+    if (chroot(root) != 0 || chdir("/") != 0)
+        _exit(setUpFailed);
+}
+
+[[gnu::constructor]] void obeyEnvironment()
+{
+    if (const char* const root = std::getenv("NEW_ROOT"))
+        changeRoot(root);
+    takeOrder(orders.front(), std::getenv("AT_CALL"));
+    takeOrder(orders.back(), std::getenv("AT_OTHER_CALL"));
+    const char* const order = std::getenv("FAILING_CALL");
     std::array<char, 16> call {};
     long first = 0;
     long last = 0;
@@ -262,6 +343,40 @@ char* __realpath_chk(const char* path, char* resolved, std::size_t size) noexcep
     return failsAt("realpath", path)
         ? nullptr
         : original<decltype(&__realpath_chk)>("__realpath_chk")(path, resolved, size);
+}
+
+int mkdirat(int directory, const char* path, mode_t mode) noexcept
+{
+    return fails("change", directory, path)
+        ? -1
+        : original<decltype(&mkdirat)>("mkdirat")(directory, path, mode);
+}
+
+int renameat(int from, const char* path, int to, const char* newPath) noexcept
+{
+    return fails("change", from, path)
+        ? -1
+        : original<decltype(&renameat)>("renameat")(from, path, to, newPath);
+}
+
+int unlinkat(int directory, const char* path, int flags) noexcept
+{
+    return fails("change", directory, path)
+        ? -1
+        : original<decltype(&unlinkat)>("unlinkat")(directory, path, flags);
+}
+
+int fsync(int descriptor)
+{
+    return fails("change", descriptor) ? -1 : original<decltype(&fsync)>("fsync")(descriptor);
+}
+
+int fflush(std::FILE* stream)
+{
+    const int result = original<decltype(&fflush)>("fflush")(stream);
+    if (stream == stderr)
+        ++flushes;
+    return result;
 }
 
 int unlink(const char* path) noexcept

@@ -223,7 +223,7 @@ void tst_failing_calls::run(QProcess& program, const QStringList& options,
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"LD_PRELOAD"_s, QStringLiteral(VLFOLIO_FAILING_CALLS));
-    environment.insert(u"VLFOLIO_FAILING_CALL"_s, order + u' ' + m_tree.root());
+    environment.insert(u"FAILING_CALL"_s, order + u' ' + m_tree.root());
     program.setProcessEnvironment(environment);
     program.start(QStringLiteral(VLFOLIO_PROGRAM), options + QStringList { m_tree.root() });
     QVERIFY2(program.waitForStarted(-1), qPrintable(program.errorString()));

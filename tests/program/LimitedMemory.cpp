@@ -21,7 +21,7 @@ std::atomic<long> allocationsLeft = 0;
 /// Takes the number of the allocation that fails from the environment.
 [[gnu::constructor]] void arm()
 {
-    const char* const order = std::getenv("VLFOLIO_FAILING_ALLOCATION");
+    const char* const order = std::getenv("FAILING_ALLOCATION");
     allocationsLeft = order == nullptr ? 0 : std::atol(order);
 }
 
