@@ -1,26 +1,17 @@
-#include "ApplicationObject.h"
-#include "FreshProcess.h"
 #include "RawDirectory.h"
 #include "RecordingPlatform.h"
 #include "ReportText.h"
 #include "RunTogether.h"
-#include "SharedPlatform.h"
 #include "Walk.h"
 #include "WorkingDirectory.h"
 
-#include <VLCore/VLLogger.h>
-#include <VLFolioEventClassifier/VLClassificationResultsRendererHTML.h>
 #include <VLFolioEventClassifier/VLEventFolderClassificationResultList.h>
 
 #include <QtCore/QDir>
-#include <QtCore/QSemaphore>
 #include <QtTest/QTest>
 
-#include <array>
 #include <atomic>
 #include <memory>
-#include <set>
-#include <thread>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -94,37 +85,28 @@ private:
     QByteArrayList m_lines;
 };
 
-/// One tree for each thread.
-class ThreadTrees
+/// A platform service that several threads may use at once. It opens nothing and counts what is
+/// asked of it.
+class CountingPlatform : public VLPlatformIndependent
 {
 public:
-    ThreadTrees()
+    bool openFile(const QString&, const QStringList&, const QString&) override
     {
-        for (int thread = 0; thread < threadCount; ++thread) {
-            m_trees.push_back(std::make_unique<ThreadTree>(thread));
-            m_folderCount += int(of(thread).expectedLines().size());
-        }
+        ++opened;
+        return true;
     }
 
-    [[nodiscard]] const ThreadTree& of(int thread) const { return *m_trees.at(size_t(thread)); }
-    [[nodiscard]] int folderCount() const { return m_folderCount; }
-
-private:
-    std::vector<std::unique_ptr<ThreadTree>> m_trees;
-    int m_folderCount = 0;
-};
-
-/// Puts another service in its place whenever it is asked for files.
-class VanishingPlatform : public SharedPlatform
-{
-public:
     QStringList getDirectFilesInDirectory(const QDir& directory) const override
     {
-        setInstance(successor);
-        return SharedPlatform::getDirectFilesInDirectory(directory);
+        ++listed;
+        return VLPlatformIndependent::getDirectFilesInDirectory(directory);
     }
 
-    VLPlatformIndependent* successor = nullptr;
+    void directoryContentsChanged(const QDir&) override { ++changed; }
+
+    std::atomic_int opened { 0 };
+    mutable std::atomic_int listed { 0 };
+    std::atomic_int changed { 0 };
 };
 
 std::atomic_int startCount { 0 };
@@ -144,17 +126,6 @@ void countMessage(QtMsgType type, const QMessageLogContext& context, const QStri
     }
 }
 
-// What work(thread) returns in each of the threads, each value once.
-template <typename Value, typename Work>
-std::set<Value> valuesOfAll(const Work& work)
-{
-    std::array<Value, threadCount> values {};
-    runTogether(threadCount, [&values, &work](int thread) {
-        values.at(static_cast<std::size_t>(thread)) = work(thread);
-    });
-    return { values.cbegin(), values.cend() };
-}
-
 } // namespace
 
 /// Copies of a QFileInfo share what Qt caches of the file, without a lock. What the library does
@@ -167,17 +138,15 @@ private Q_SLOTS:
     void init();
     void cleanup();
 
+    void firstRunsOfEachThreadInItsOwnTree();
     void makingAResultLeavesNothingInTheDirectory();
     void relativeDirectoryIsAbsoluteWhereItIsAskedFor();
     void relativeRootKeepsThePathItHadFound();
     void comparingLeavesNothingInTheDirectory();
     void classifyingLeavesNothingInTheRootItWasMadeOf();
     void copyOfAClassifierLooksAtItsRootAnew();
-    void rootWithoutPathEqualsItsCopies();
     void allThreadsUseCopiesAtOnce();
     void allThreadsMakeResultsOfOneListing();
-    void serviceMayBeReplacedDuringRuns_data();
-    void serviceMayBeReplacedDuringRuns();
 
 private:
     std::unique_ptr<RawDirectory> m_tree;
@@ -199,7 +168,42 @@ void tst_threads::cleanup()
     m_tree.reset();
 }
 
-// Relative while the data is its own: what was found out then would be another path now.
+// The first run of each thread is the first of the process: logger, table of names, patterns and
+// list of months are all made in it.
+void tst_threads::firstRunsOfEachThreadInItsOwnTree()
+{
+    std::vector<std::unique_ptr<ThreadTree>> trees;
+    qsizetype folderCount = 0;
+    for (int thread = 0; thread < threadCount; ++thread) {
+        trees.push_back(std::make_unique<ThreadTree>(thread));
+        folderCount += trees.back()->expectedLines().size();
+    }
+    CountingPlatform platform;
+    VLPlatformIndependent::setInstance(&platform);
+    std::atomic_int wrong { 0 };
+    const QtMessageHandler previous = qInstallMessageHandler(countMessage);
+
+    runTogether(threadCount, [&trees, &wrong](int thread) {
+        const ThreadTree& tree = *trees.at(size_t(thread));
+        const QByteArray report = tree.expectedReport();
+        for (int round = 0; round < roundCount; ++round) {
+            VLFolioEventClassifier(QFileInfo(tree.root())).start();
+            wrong += ReportText::fileContents(reportOf(tree.root())) == report ? 0 : 1;
+            wrong += walkedLines(tree.root()) == tree.expectedLines() ? 0 : 1;
+        }
+    });
+
+    qInstallMessageHandler(previous);
+    QCOMPARE(wrong.load(), 0);
+    QCOMPARE(startCount.load(), threadCount * roundCount);
+    QCOMPARE(removalCount.load(), threadCount * (roundCount - 1));
+    QCOMPARE(otherCount.load(), 0);
+    QCOMPARE(platform.opened.load(), threadCount * roundCount);
+    QCOMPARE(platform.changed.load(), threadCount * roundCount);
+    QCOMPARE(platform.listed.load(), roundCount * folderCount);
+}
+
+// Were the absolute path found out while the result is made, it would be another one.
 void tst_threads::makingAResultLeavesNothingInTheDirectory()
 {
     const WorkingDirectory above(m_tree->path());
@@ -266,16 +270,6 @@ void tst_threads::copyOfAClassifierLooksAtItsRootAnew()
     QVERIFY(isRootOf(assigned, "other"));
 }
 
-void tst_threads::rootWithoutPathEqualsItsCopies()
-{
-    const QFileInfo root;
-    const VLFolioEventClassifier classifier(root);
-    QCOMPARE(classifier.eventFolderType(root).classification().value(),
-             VLEventFolderTypeEnum::Root);
-    QCOMPARE(classifier.eventFolderType(QFileInfo()).classification().value(),
-             VLEventFolderTypeEnum::Unknown);
-}
-
 // The more results, the likelier two threads meet at one of them.
 void tst_threads::allThreadsUseCopiesAtOnce()
 {
@@ -315,140 +309,5 @@ void tst_threads::allThreadsMakeResultsOfOneListing()
     QCOMPARE(wrong.load(), 0);
 }
 
-void tst_threads::serviceMayBeReplacedDuringRuns_data()
-{
-    QTest::addColumn<bool>("byAnother");
-
-    QTest::newRow("by_another") << true;
-    QTest::newRow("by_the_built_in_one") << false;
-}
-
-// Nothing is asked twice, and nothing is lost: each call reaches one service or the other.
-void tst_threads::serviceMayBeReplacedDuringRuns()
-{
-    QFETCH(const bool, byAnother);
-    const ThreadTrees trees;
-    VanishingPlatform first;
-    VanishingPlatform second;
-    first.successor = byAnother ? &second : nullptr;
-    second.successor = &first;
-    VLPlatformIndependent::setInstance(&first);
-    std::atomic_int wrong { 0 };
-    runTogether(threadCount, [&trees, &wrong](int thread) {
-        const ThreadTree& tree = trees.of(thread);
-        VLClassificationResultsRendererHTML renderer(walk(tree.root()), int(tree.root().size()),
-                                                     {});
-        renderer.renderToFile(QFileInfo(reportOf(tree.root())));
-        wrong += ReportText::fileContents(reportOf(tree.root())) == tree.expectedReport() ? 0 : 1;
-    });
-    QCOMPARE(wrong.load(), 0);
-    QVERIFY(first.listed > 0);
-    if (byAnother) {
-        QVERIFY(second.listed > 0);
-        QCOMPARE(first.listed + second.listed, trees.folderCount());
-        QCOMPARE(first.changed + second.changed, threadCount);
-    } else {
-        QVERIFY(first.listed <= threadCount);
-        QVERIFY(VLPlatformIndependent::instance() != &first);
-    }
-}
-
-/// What a process does once, or what ends it.
-class tst_threads_fresh : public QObject
-{
-    Q_OBJECT
-
-private Q_SLOTS:
-    void firstRunsOfEachThreadInItsOwnTree();
-    void sharedObjectsAreMadeOnce();
-    void walksEndWhenTheApplicationDoes();
-};
-
-// The first run of each thread is the first of the process: logger, table of names, patterns and
-// list of months are all made in it.
-void tst_threads_fresh::firstRunsOfEachThreadInItsOwnTree()
-{
-    const ThreadTrees trees;
-    SharedPlatform platform;
-    VLPlatformIndependent::setInstance(&platform);
-    std::atomic_int wrong { 0 };
-    const QtMessageHandler previous = qInstallMessageHandler(countMessage);
-
-    runTogether(threadCount, [&trees, &wrong](int thread) {
-        const ThreadTree& tree = trees.of(thread);
-        const QByteArray report = tree.expectedReport();
-        for (int round = 0; round < roundCount; ++round) {
-            VLFolioEventClassifier(QFileInfo(tree.root())).start();
-            wrong += ReportText::fileContents(reportOf(tree.root())) == report ? 0 : 1;
-            wrong += walkedLines(tree.root()) == tree.expectedLines() ? 0 : 1;
-        }
-    });
-
-    qInstallMessageHandler(previous);
-    VLPlatformIndependent::setInstance(nullptr);
-    QCOMPARE(wrong.load(), 0);
-    QCOMPARE(startCount.load(), threadCount * roundCount);
-    QCOMPARE(removalCount.load(), threadCount * (roundCount - 1));
-    QCOMPARE(otherCount.load(), 0);
-    QCOMPARE(platform.opened.load(), threadCount * roundCount);
-    QCOMPARE(platform.changed.load(), threadCount * roundCount);
-    QCOMPARE(platform.listed.load(), roundCount * trees.folderCount());
-}
-
-void tst_threads_fresh::sharedObjectsAreMadeOnce()
-{
-    const auto services =
-        valuesOfAll<VLPlatformIndependent*>([](int) { return VLPlatformIndependent::instance(); });
-    QCOMPARE(services, std::set { VLPlatformIndependent::instance() });
-    QVERIFY(*services.cbegin() != nullptr);
-
-    const auto loggers =
-        valuesOfAll<VLLogger*>([](int) { return VLSingleton<VLLogger>::instance(); });
-    QCOMPARE(loggers, std::set { VLSingleton<VLLogger>::instance() });
-    QVERIFY(*loggers.cbegin() != nullptr);
-
-    const auto names = valuesOfAll<QString>([](int thread) {
-        const auto type = static_cast<VLEventFolderTypeEnum>(thread % 2 == 0 ? 4 : 32);
-        return Result(QFileInfo(u"/2019"_s), type).render(1);
-    });
-    QCOMPARE(names, (std::set { u"  Month <= 2019"_s, u"ProjectFolder <= 2019"_s }));
-}
-
-// Each thread walks its tree again and again until a walk finds less.
-void tst_threads_fresh::walksEndWhenTheApplicationDoes()
-{
-    ApplicationObject application;
-    application.begin();
-    const ThreadTrees trees;
-    QSemaphore walkedOnce;
-    std::array<QByteArrayList, threadCount> kept;
-    std::thread ending([&application, &walkedOnce] {
-        walkedOnce.acquire(threadCount);
-        application.end();
-    });
-    runTogether(threadCount, [&trees, &walkedOnce, &kept](int thread) {
-        const ThreadTree& tree = trees.of(thread);
-        QByteArrayList& found = kept.at(size_t(thread));
-        for (int count = 0; found = walkedLines(tree.root()), found == tree.expectedLines();
-             ++count) {
-            if (count == 0)
-                walkedOnce.release();
-        }
-    });
-    ending.join();
-
-    QVERIFY(QCoreApplication::closingDown());
-    for (int thread = 0; thread < threadCount; ++thread) {
-        const QByteArrayList found = kept.at(size_t(thread));
-        const QByteArrayList expected = trees.of(thread).expectedLines();
-        QVERIFY(found.size() < expected.size());
-        QCOMPARE(found, expected.first(found.size()));
-    }
-}
-
-int main(int argc, char* argv[])
-{
-    return runUsualOrFresh<tst_threads, tst_threads_fresh>(argc, argv);
-}
-
+QTEST_GUILESS_MAIN(tst_threads)
 #include "tst_threads.moc"
