@@ -1,11 +1,14 @@
 #include "Browser.h"
 
+#include "ReportText.h"
+
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QProcessEnvironment>
 #include <QtCore/QStandardPaths>
 #include <QtCore/QUrl>
+#include <QtCore/QtEndian>
 
 using namespace Qt::StringLiterals;
 
@@ -52,6 +55,14 @@ QByteArray outputOfProgram(const QStringList& arguments)
     if (!program.waitForFinished(patience) || program.exitCode() != 0)
         qFatal("The program fails: %s", program.readAllStandardError().constData());
     return program.readAllStandardOutput();
+}
+
+QString makeSample(const RawDirectory& tree)
+{
+    const QString sample = tree.path("Pictures");
+    if (QProcess::execute(QStringLiteral(VLFOLIO_MAKE_SAMPLE), { sample }) != 0)
+        qFatal("The sample cannot be made");
+    return sample;
 }
 
 QString Browser::program()
@@ -117,7 +128,7 @@ void Browser::setMedia(const QString& colourScheme, bool onPaper)
            { u"features"_s, QJsonArray { scheme } } });
 }
 
-QByteArray Browser::picture(const QSize& size)
+bool Browser::savePicture(const QString& path, const QSize& size)
 {
     call(u"Emulation.setDeviceMetricsOverride"_s,
          { { u"width"_s, size.width() },
@@ -129,7 +140,12 @@ QByteArray Browser::picture(const QSize& size)
              "() => done(true))))"_s);
     const QJsonObject result = call(u"Page.captureScreenshot"_s);
     call(u"Emulation.clearDeviceMetricsOverride"_s);
-    return QByteArray::fromBase64(result[u"data"].toString().toLatin1());
+    const QByteArray picture = QByteArray::fromBase64(result[u"data"].toString().toLatin1());
+    // The width and the height stand behind the signature and the name of the first chunk.
+    const QByteArray start = "\x89PNG\r\n\x1a\n\0\0\0\rIHDR"_ba;
+    return ReportText::writeFile(path, picture) && picture.startsWith(start)
+        && qFromBigEndian<qint32>(picture.constData() + start.size()) == size.width()
+        && qFromBigEndian<qint32>(picture.constData() + start.size() + 4) == size.height();
 }
 
 QJsonObject Browser::call(const QString& method, const QJsonObject& parameters)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "RawDirectory.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QJsonObject>
 #include <QtCore/QJsonValue>
@@ -12,6 +14,9 @@
 /// What the program that is tested prints, run with \a arguments in the locale C.UTF-8. Ends the
 /// test program when it fails.
 [[nodiscard]] QByteArray outputOfProgram(const QStringList& arguments);
+
+/// Makes the sample collection in \a tree, with the name "Pictures", and returns its path.
+[[nodiscard]] QString makeSample(const RawDirectory& tree);
 
 /// Chromium without a window, with one page, steered through its own debugging protocol. What it
 /// cannot do ends the test program.
@@ -34,8 +39,9 @@ public:
     /// Shows pages as on a screen in that colour scheme, "light" or "dark", or as on paper.
     void setMedia(const QString& colourScheme, bool onPaper = false);
 
-    /// The page in a window of this size, as a PNG file.
-    [[nodiscard]] QByteArray picture(const QSize& size);
+    /// Writes the page in a window of this size to the PNG file \a path. Returns false if it cannot
+    /// be written or has another size.
+    [[nodiscard]] bool savePicture(const QString& path, const QSize& size);
 
 private:
     QJsonObject call(const QString& method, const QJsonObject& parameters = {});

@@ -1,15 +1,12 @@
 #include "Browser.h"
 #include "RawDirectory.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QFileInfo>
 #include <QtCore/QJsonArray>
-#include <QtCore/QProcess>
 #include <QtCore/QRegularExpression>
 #include <QtTest/QTest>
 
 #include <array>
-#include <cstring>
 #include <memory>
 
 using namespace Qt::StringLiterals;
@@ -127,8 +124,8 @@ void tst_report_in_browser::rowsAreAsOnDisk()
         if (*row.folder != '\0')
             tree.folder(row.folder + 1);
     }
-    tree.file("2019/07/1.jpg").file("2019/07/2.jpg");
-    QVERIFY2(tree.isValid(), std::strerror(errno));
+    tree.make({ "2019/07/1.jpg", "2019/07/2.jpg" });
+    QVERIFY2(tree.isValid(), tree.error());
 
     m_browser->open(reportOf(tree.path()));
     const QString setColour = u"document.querySelector('table').style.color = '%1'"_s;
@@ -178,7 +175,7 @@ void tst_report_in_browser::characterSetIsGuessed()
     for (int i = 0; i < plainFolders; ++i)
         tree.folder("some folder " + QByteArray::number(i));
     tree.folder("zzz März 桜 😀");
-    QVERIFY2(tree.isValid(), std::strerror(errno));
+    QVERIFY2(tree.isValid(), tree.error());
 
     const QString report = reportOf(tree.path());
     m_browser->open(report);
@@ -194,23 +191,14 @@ void tst_report_in_browser::characterSetIsGuessed()
 void tst_report_in_browser::pictureOfTheSample()
 {
     const RawDirectory tree;
-    const QString sample = tree.path() + u"/Pictures"_s;
-    QCOMPARE(QProcess::execute(QStringLiteral(VLFOLIO_MAKE_SAMPLE), { sample }), 0);
-    m_browser->open(reportOf(sample));
+    m_browser->open(reportOf(makeSample(tree)));
     // Where the test keeps its files is of no interest.
     const QJsonValue rootPath = m_browser->evaluate(
         u"document.querySelector('.Root').cells[1].textContent = '/home/me/Pictures'"_s);
     QCOMPARE(rootPath.toString(), u"/home/me/Pictures"_s);
     QCOMPARE(m_browser->evaluate(u"document.querySelectorAll('tr').length"_s).toInt(), 39);
 
-    const QByteArray picture = m_browser->picture(QSize(900, 960));
-
-    QFile file(QStringLiteral(VLFOLIO_PICTURE));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(picture), picture.size());
-    // The width and the height stand behind the signature and the name of the first chunk.
-    QCOMPARE(picture.first(16), "\x89PNG\r\n\x1a\n\0\0\0\rIHDR"_ba);
-    QCOMPARE(picture.mid(16, 8), "\0\0\x03\x84\0\0\x03\xc0"_ba);
+    QVERIFY(m_browser->savePicture(QStringLiteral(VLFOLIO_PICTURE), QSize(900, 960)));
 }
 
 QTEST_GUILESS_MAIN(tst_report_in_browser)
