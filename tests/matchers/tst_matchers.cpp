@@ -1,6 +1,6 @@
-#include "FreshProcess.h"
 #include "LiteralRules.h"
 #include "RunTogether.h"
+#include "TestRows.h"
 #include "TypeNames.h"
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
@@ -94,16 +94,11 @@ QList<TypeRow> projectRows()
         { "project_before_date", u"2019-07-14_vlp-Dateien"_s, Type::ProjectFolder },
         { "project_before_year", u"2019_vlp-Dateien"_s, Type::ProjectFolder },
         { "project_small_d", u"Urlaub_vlp-dateien"_s, Type::Unknown },
-        { "project_small_d_with_date", u"2019-07-14_vlp-dateien"_s, Type::Day },
         { "project_suffix_not_at_the_end", u"Urlaub_vlp-Dateien 2"_s, Type::Unknown },
-        { "project_suffix_after_nul", u"a\000_vlp-Dateien"_s, Type::ProjectFolder },
         { "project_after_surrogate", QChar(0xd83d) + u"_vlp-Dateien"_s, Type::ProjectFolder },
         { "project_and_slash", u"x_vlp-Dateien/"_s, Type::Unknown },
         { "project_and_blank", u"x_vlp-Dateien "_s, Type::Unknown },
-        { "project_and_nul", u"x_vlp-Dateien\000"_s, Type::Unknown },
         { "project_in_capitals", u"x_VLP-DATEIEN"_s, Type::Unknown },
-        { "project_without_underscore", u"xvlp-Dateien"_s, Type::Unknown },
-        { "project_with_en_dash", u"x_vlp\u2013Dateien"_s, Type::Unknown },
         { "photo_library_prefix_is_no_type", u"photokit"_s, Type::Unknown },
     };
 }
@@ -121,29 +116,19 @@ QList<TypeRow> shapeRows()
         { "vertical_bars", u"2019|07|14"_s, Type::Day },
         { "separators_may_differ", u"2019-07.14"_s, Type::Day },
         { "no_real_date", u"2019-13-45"_s, Type::Day },
-        { "one_digit_of_a_day_is_no_shape", u"x1-07-2019"_s, Type::Year },
-        { "one_digit_of_a_month_is_no_shape", u"x14-7-2019"_s, Type::Year },
-        { "three_digits_of_a_month_are_no_shape", u"x14-007-2019"_s, Type::Year },
         { "no_real_two_digit_date", u"99.99.99"_s, Type::Day },
         { "shape_needs_no_2000", u"1999-12-31"_s, Type::Day },
         { "shape_within_more_digits", u"120190-07-1456"_s, Type::Day },
-        { "shape_of_the_last_two_digits", u"019-07-14"_s, Type::Day },
         { "shape_within_a_time", u"IMG_20190714.12.30"_s, Type::Day },
         { "shape_on_a_later_line", u"Beach\n2019-07-14"_s, Type::Day },
         { "shape_after_nul", u"a\0002019-07-14"_s, Type::Day },
-        { "shape_before_nul", u"2019-07-14\000"_s, Type::Day },
         { "one_digit_first", u"9-07-14"_s, Type::Unknown },
         { "one_digit_month", u"2019-7-14"_s, Type::Year },
         { "one_digit_day", u"2019-07-1"_s, Type::Year },
         { "three_digit_month", u"2019-007-14"_s, Type::Year },
         { "no_separator", u"20190714"_s, Type::Year },
         { "underscore_is_no_separator", u"2019_07_14"_s, Type::Year },
-        { "colon_is_no_separator", u"2019:07:14"_s, Type::Year },
-        { "en_dash_is_no_separator", u"2019\u201307\u201314"_s, Type::Year },
-        { "no_break_space_is_no_separator", u"2019\u00a007\u00a014"_s, Type::Year },
         { "arabic_digits_have_no_shape", u"٢٠١٩-٠٧-١٤"_s, Type::Unknown },
-        { "fullwidth_digits_have_no_shape", u"２０１９-０７-１４"_s, Type::Unknown },
-        { "chakma_digits_have_no_shape", u"𑄸𑄶𑄷𑄿-𑄶𑄽-𑄷𑄺"_s, Type::Unknown },
         { "arabic_shape_beside_ascii_digits", u"111111 ٢٠١٩-٠٧-١٤"_s, Type::Unknown },
         { "lone_surrogate_before", QChar(0xd83d) + u" 2019-07-14"_s, Type::Unknown },
         { "lone_surrogate_after", u"2019-07-14 "_s + QChar(0xde00), Type::Unknown },
@@ -156,28 +141,20 @@ QList<TypeRow> fixedFormatRows()
 {
     return {
         { "text_date", u"Sun Jul 14 2019"_s, Type::Day },
-        { "text_date_before_2000", u"Sun Jul 14 1985"_s, Type::Day },
         { "text_date_two_digits", u"Trip Jul 4 5"_s, Type::Day },
         { "text_date_first_word_does_not_count", u"Trip Jul 14 2019"_s, Type::Day },
         { "text_date_wrong_day_of_the_week", u"Mon Jul 14 2019"_s, Type::Day },
         { "text_date_several_blanks", u"Sun  Jul  14  2019"_s, Type::Day },
-        { "text_date_month_is_case_sensitive", u"Trip JUL 14 2019"_s, Type::Year },
         { "text_date_month_is_short", u"Trip July 14 2019"_s, Type::Year },
-        { "text_date_month_is_english", u"Trip Juil 14 2019"_s, Type::Year },
         { "text_date_without_first_word", u"Jul 14 2019"_s, Type::Year },
         { "text_date_fifth_word", u"Sun Jul 14 2019 x"_s, Type::Year },
-        { "text_date_no_real_day", u"Trip Jul 32 2019"_s, Type::Year },
         { "four_words", u"a b c d"_s, Type::Unknown },
         { "rfc_2822", u"Sun, 14 Jul 2019"_s, Type::Day },
-        { "rfc_2822_before_2000", u"Sun, 14 Jul 1985"_s, Type::Day },
         { "rfc_2822_without_day_name", u"14 Jul 2019"_s, Type::Day },
-        { "rfc_2822_one_digit_day", u"4 Jul 1999"_s, Type::Day },
         { "rfc_2822_two_digits", u"4 Jul 5"_s, isNewerQt() ? Type::Unknown : Type::Day },
         { "rfc_2822_with_time", u"Sun, 14 Jul 2019 10:00:00 +0200"_s, Type::Day },
         { "rfc_2822_wrong_day_of_the_week", u"Mon, 14 Jul 2019"_s, Type::Year },
-        { "rfc_2822_no_real_day", u"32 Jul 2019"_s, Type::Year },
         { "rfc_2822_and_text", u"14 Jul 2019 x"_s, Type::Year },
-        { "rfc_2822_long_month", u"14 July 2019"_s, Type::Year },
     };
 }
 
@@ -185,12 +162,7 @@ QList<TypeRow> localeDateRows()
 {
     return {
         { "c_long_date", u"Sunday, 14 July 2019"_s, Type::Day, InC, Type::Year },
-        { "c_date_in_small_letters", u"14 jul 2019"_s, isNewerQt() ? Type::Year : Type::Day, InC,
-          Type::Year },
         { "english_long_date", u"Sunday, July 14, 2019"_s, Type::Day, InEnglish, Type::Year },
-        { "english_long_date_in_capitals", u"SUNDAY, JULY 14, 2019"_s, Type::Day, InEnglish,
-          Type::Year },
-        { "english_wrong_day_of_the_week", u"Monday, July 14, 2019"_s, Type::Year },
         { "english_long_date_and_text", u"Sunday, July 14, 2019 Beach"_s, Type::Year },
         { "english_short_date", u"7/14/19"_s, Type::Day, InEnglish },
         { "date_and_blank", u"7/14/19 "_s, Type::Unknown },
@@ -198,8 +170,6 @@ QList<TypeRow> localeDateRows()
         { "two_digit_year_is_of_1900", u"2/28/00"_s, Type::Day, InEnglish },
         { "two_digit_leap_year", u"2/29/04"_s, Type::Day, InEnglish },
         { "german_long_date", u"Sonntag, 14. Juli 2019"_s, Type::Day, InGerman, Type::Year },
-        { "german_long_date_in_small_letters", u"sonntag, 14. juli 2019"_s, Type::Day, InGerman,
-          Type::Year },
         { "german_date_without_day_of_the_week", u"14. Juli 2019"_s, Type::Year },
         { "french_long_date", u"dimanche 14 juillet 2019"_s, Type::Day, InFrench, Type::Year },
         { "french_short_date", u"14/07/2019"_s, Type::Day, InFrench, Type::Year },
@@ -218,19 +188,13 @@ QList<TypeRow> dayNameRows()
         { "english_short_day", u"Mon"_s, Type::Day, InC | InEnglish },
         { "narrow_day", u"M"_s, Type::Day, InEnglish | InGerman | InFrench },
         { "day_in_small_letters", u"monday"_s, Type::Unknown },
-        { "day_in_capitals", u"MONDAY"_s, Type::Unknown },
-        { "narrow_day_in_small_letters", u"m"_s, Type::Unknown },
         { "day_and_blank", u"Monday "_s, Type::Unknown },
-        { "blank_and_day", u" Monday"_s, Type::Unknown },
-        { "day_and_nul", u"Monday\000"_s, Type::Unknown },
         { "day_and_text", u"Monday at the beach"_s, Type::Unknown },
         { "german_day", u"Montag"_s, Type::Day, InGerman },
         { "german_short_day_has_a_full_stop", u"Mo."_s, Type::Day, InGerman },
         { "german_short_day_without_full_stop", u"Mo"_s, Type::Unknown },
         { "french_day", u"lundi"_s, Type::Day, InFrench },
-        { "french_day_with_capital", u"Lundi"_s, Type::Unknown },
         { "japanese_day", u"月曜日"_s, Type::Day, InJapanese },
-        { "japanese_narrow_day", u"月"_s, Type::Day, InJapanese },
         { "arabic_day", u"الاثنين"_s, Type::Day, InArabic },
         { "chakma_day", u"𑄥𑄧𑄟𑄴𑄝𑄢𑄴"_s, Type::Day, InChakma },
     };
@@ -251,37 +215,21 @@ QList<TypeRow> monthRows()
         { "padded_one", u"01"_s, Type::Month },
         { "padded_seven", u"07"_s, Type::Month },
         { "padded_nine", u"09"_s, Type::Month },
-        { "padded_ten", u"010"_s, Type::Unknown },
-        { "padded_twelve", u"012"_s, Type::Unknown },
         { "padded_twice", u"007"_s, Type::Unknown },
-        { "signed_number", u"+8"_s, Type::Unknown },
-        { "negative_number", u"-8"_s, Type::Unknown },
-        { "text_and_number", u"a 8"_s, Type::Unknown },
-        { "number_and_line_feed", u"8\n"_s, Type::Unknown },
         { "number_and_blank", u"08 "_s, Type::Unknown },
-        { "number_and_nul", u"08\000"_s, Type::Unknown },
         { "number_and_text", u"08 Beach"_s, Type::Unknown },
         { "arabic_digit", u"٧"_s, Type::Unknown },
-        { "fullwidth_digit", u"７"_s, Type::Unknown },
-        { "chakma_digit", u"𑄽"_s, Type::Unknown },
         { "english_month", u"July"_s, Type::Month, InC | InEnglish },
         { "english_short_month", u"Jul"_s, Type::Month, InC | InEnglish },
         { "month_in_small_letters", u"july"_s, Type::Unknown },
-        { "month_in_capitals", u"JULY"_s, Type::Unknown },
-        { "month_and_blank", u"July "_s, Type::Unknown },
         { "month_and_text", u"July in Rome"_s, Type::Unknown },
         { "month_and_year", u"July 2019"_s, Type::Year },
         { "year_and_month", u"2019-07"_s, Type::Year },
         { "narrow_month", u"O"_s, Type::Unknown },
-        { "narrow_arabic_month", u"أ"_s, Type::Unknown },
-        { "month_of_sevens", QString(100'000, u'7'), Type::Unknown },
         { "german_month", u"Juli"_s, Type::Month, InGerman },
-        { "german_month_composed", u"M\u00e4rz"_s, Type::Month, InGerman },
         { "german_month_decomposed", u"Ma\u0308rz"_s, Type::Unknown },
         { "french_month", u"juillet"_s, Type::Month, InFrench },
-        { "french_short_month", u"juil."_s, Type::Month, InFrench },
         { "japanese_month", u"7月"_s, Type::Month, InJapanese },
-        { "japanese_month_padded", u"07月"_s, Type::Unknown },
         { "arabic_month", u"يوليو"_s, Type::Month, InArabic },
         { "chakma_month", u"𑄎𑄪𑄣𑄭"_s, Type::Month, InChakma },
     };
@@ -291,39 +239,28 @@ QList<TypeRow> otherRows()
 {
     return {
         { "empty", u""_s, Type::Unknown },
-        { "null", QString(), Type::Unknown },
         { "blank", u" "_s, Type::Unknown },
-        { "nul", u"\000"_s, Type::Unknown },
         { "text", u"Beach"_s, Type::Unknown },
         { "year", u"2019"_s, Type::Year },
         { "year_within_text", u"Summer 2019 trip"_s, Type::Year },
         { "year_within_digits", u"12345"_s, Type::Year },
         { "first_year", u"2000"_s, Type::Year },
-        { "last_year", u"2999"_s, Type::Year },
         { "year_before_2000", u"1999"_s, Type::Unknown },
         { "year_of_a_range", u"1999-2000"_s, Type::Year },
         { "year_3000", u"3000"_s, Type::Unknown },
         { "year_within_letters", u"x2019y"_s, Type::Year },
         { "year_between_digits", u"9201999"_s, Type::Year },
         { "year_of_the_second_two", u"2 2019"_s, Type::Year },
-        { "year_of_three_digits", u"201"_s, Type::Unknown },
-        { "two_in_the_last_three_digits", u"13299"_s, Type::Unknown },
         { "parted_year", u"20 19"_s, Type::Unknown },
         { "year_in_arabic_digits", u"٢٠١٩"_s, Type::Unknown },
         { "arabic_digits_after_an_ascii_two", u"2٠١٩"_s, Type::Unknown },
         { "arabic_digits_beside_ascii_digits", u"1111 2٠١٩"_s, Type::Unknown },
-        { "year_in_fullwidth_digits", u"２０１９"_s, Type::Unknown },
-        { "year_in_mathematical_digits", u"𝟐𝟎𝟏𝟗"_s, Type::Unknown },
         { "year_after_surrogate_pair", u"😀2019"_s, Type::Year },
         { "year_after_lone_surrogate", QChar(0xd800) + u"2019"_s, Type::Unknown },
         { "year_before_lone_surrogate", u"2019"_s + QChar(0xdc00), Type::Unknown },
         { "year_after_line_feed", u"a\n2019"_s, Type::Year },
         { "year_ends_long_name", QString(100'000, u'1') + u"2019"_s, Type::Year },
-        { "year_after_nul", u"a\0002019"_s, Type::Year },
         { "long_name", QString(100'000, u'x'), Type::Unknown },
-        { "long_name_of_blanks", QString(100'000, u' '), Type::Unknown },
-        { "markup", u"<b>2019</b>"_s, Type::Year },
-        { "place_marker", u"%1"_s, Type::Unknown },
     };
 }
 
@@ -438,14 +375,11 @@ void tst_matchers::initTestCase()
 
 void tst_matchers::eventFolderType_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<VLEventFolderTypeEnum>("type");
-
     const QList<TypeRow> rows = projectRows() + shapeRows() + fixedFormatRows() + localeDateRows()
         + dayNameRows() + monthRows() + otherRows();
-    for (const TypeRow& row : rows)
-        QTest::newRow(row.rule) << row.name
-                                << ((row.where & here()) != 0 ? row.type : row.elsewhere);
+    const TestRows<QString, Type> row("name", "type");
+    for (const TypeRow& of : rows)
+        row(of.rule, of.name, (of.where & here()) != 0 ? of.type : of.elsewhere);
 }
 
 // The type is that of the first matcher that holds.
@@ -469,17 +403,15 @@ void tst_matchers::eventFolderType()
 
 void tst_matchers::severalMatchersHold_data()
 {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("answers");
-
-    QTest::newRow("date_and_year") << u"2019-07-14"_s << u"date year"_s;
-    QTest::newRow("date_without_year") << u"0000-00-00"_s << u"date"_s;
-    QTest::newRow("date_of_a_project") << u"2019-07-14_vlp-Dateien"_s << u"date year project"_s;
-    QTest::newRow("year_of_a_project") << u"2019_vlp-Dateien"_s << u"year project"_s;
-    QTest::newRow("month_of_a_project") << u"08_vlp-Dateien"_s << u"project"_s;
-    QTest::newRow("lone_surrogate") << u"2019-07-14"_s + QChar(0xd800) << u""_s;
-    QTest::newRow("empty_name_is_no_empty_day_name") << u""_s << u""_s;
-    QTest::newRow("long_name_of_digits") << QString(100'000, u'9') << u""_s;
+    const TestRows<QString, QString> row("name", "answers");
+    row("date_and_year", u"2019-07-14"_s, u"date year"_s);
+    row("date_without_year", u"0000-00-00"_s, u"date"_s);
+    row("date_of_a_project", u"2019-07-14_vlp-Dateien"_s, u"date year project"_s);
+    row("year_of_a_project", u"2019_vlp-Dateien"_s, u"year project"_s);
+    row("month_of_a_project", u"08_vlp-Dateien"_s, u"project"_s);
+    row("lone_surrogate", u"2019-07-14"_s + QChar(0xd800), u""_s);
+    row("empty_name_is_no_empty_day_name", u""_s, u""_s);
+    row("long_name_of_digits", QString(100'000, u'9'), u""_s);
 }
 
 void tst_matchers::severalMatchersHold()
@@ -490,20 +422,15 @@ void tst_matchers::severalMatchersHold()
 
 void tst_matchers::matchesApplePhotos_data()
 {
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<bool>("matches");
-
-    QTest::newRow("prefix_alone") << u"photokit"_s << true;
-    QTest::newRow("prefix_and_path") << u"photokit/Library/2019"_s << true;
-    QTest::newRow("prefix_and_letters") << u"photokitten"_s << true;
-    QTest::newRow("prefix_and_nul") << u"photokit\000"_s << true;
-    QTest::newRow("capital") << u"Photokit"_s << false;
-    QTest::newRow("capitals") << u"PHOTOKIT/x"_s << false;
-    QTest::newRow("text_before") << u"my photokit"_s << false;
-    QTest::newRow("blank_before") << u" photokit"_s << false;
-    QTest::newRow("slash_before") << u"/photokit"_s << false;
-    QTest::newRow("one_letter_less") << u"photoki"_s << false;
-    QTest::newRow("empty") << u""_s << false;
+    const TestRows<QString, bool> row("path", "matches");
+    row("prefix_alone", u"photokit"_s, true);
+    row("prefix_and_path", u"photokit/Library/2019"_s, true);
+    row("prefix_and_letters", u"photokitten"_s, true);
+    row("capital", u"Photokit"_s, false);
+    row("text_before", u"my photokit"_s, false);
+    row("slash_before", u"/photokit"_s, false);
+    row("one_letter_less", u"photoki"_s, false);
+    row("empty", u""_s, false);
 }
 
 void tst_matchers::matchesApplePhotos()
@@ -549,65 +476,43 @@ void tst_matchers::separators()
 
 void tst_matchers::namesOfDaysAndMonths_data()
 {
-    QTest::addColumn<QStringList>("names");
-    QTest::addColumn<QString>("answer");
-
-    const auto row = [](const char* rule, unsigned where, const QString& answer,
-                        const QString& names) {
-        if ((where & here()) != 0)
-            QTest::newRow(rule) << names.split(u' ') << answer;
-    };
-    row("long_english_days", InC | InEnglish, u"date"_s,
-        u"Monday Tuesday Wednesday Thursday Friday Saturday Sunday"_s);
-    row("short_english_days", InC | InEnglish, u"date"_s, u"Mon Tue Wed Thu Fri Sat Sun"_s);
-    row("narrow_c_days", InC, u"date"_s, u"1 2 3 4 5 6 7"_s);
-    row("narrow_english_days", InEnglish, u"date"_s, u"M T W F S"_s);
-    row("long_german_days", InGerman, u"date"_s,
-        u"Montag Dienstag Mittwoch Donnerstag Freitag Samstag Sonntag"_s);
-    row("short_german_days", InGerman, u"date"_s, u"Mo. Di. Mi. Do. Fr. Sa. So."_s);
-    row("narrow_german_days", InGerman, u"date"_s, u"M D F S"_s);
-    row("long_french_days", InFrench, u"date"_s,
-        u"lundi mardi mercredi jeudi vendredi samedi dimanche"_s);
-    row("short_french_days", InFrench, u"date"_s, u"lun. mar. mer. jeu. ven. sam. dim."_s);
-    row("narrow_french_days", InFrench, u"date"_s, u"L M J V S D"_s);
-    row("long_japanese_days", InJapanese, u"date"_s,
-        u"月曜日 火曜日 水曜日 木曜日 金曜日 土曜日 日曜日"_s);
-    row("narrow_japanese_days", InJapanese, u"date"_s, u"月 火 水 木 金 土 日"_s);
-    row("long_arabic_days", InArabic, u"date"_s,
-        u"الاثنين الثلاثاء الأربعاء الخميس الجمعة السبت الأحد"_s);
-    row("narrow_arabic_days", InArabic, u"date"_s, u"ن ث ر خ ج س ح"_s);
-    row("narrow_chakma_days", InChakma, u"date"_s, u"𑄥𑄧 𑄟𑄧 𑄝𑄪 𑄝𑄳𑄢𑄨 𑄥𑄪 𑄢𑄧"_s);
-    row("short_chakma_days", InChakma, u"date"_s, u"𑄥𑄧𑄟𑄴 𑄟𑄧𑄁𑄉𑄧𑄣𑄴 𑄝𑄪𑄖𑄴 𑄝𑄳𑄢𑄨𑄥𑄪𑄛𑄴 𑄥𑄪𑄇𑄴𑄇𑄮𑄢𑄴 𑄥𑄧𑄚𑄨 𑄢𑄧𑄝𑄨"_s);
-    row("long_english_months", InC | InEnglish, u"month"_s,
-        u"January February March April May June July August September October November "
-        "December"_s);
-    row("short_english_months", InC | InEnglish, u"month"_s,
-        u"Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"_s);
-    row("long_german_months", InGerman, u"month"_s,
-        u"Januar Februar März April Mai Juni Juli August September Oktober November "
-        "Dezember"_s);
-    row("short_german_months", InGerman, u"month"_s,
-        u"Jan. Feb. März Apr. Mai Juni Juli Aug. Sept. Okt. Nov. Dez."_s);
-    row("long_french_months", InFrench, u"month"_s,
-        u"janvier février mars avril mai juin juillet août septembre octobre novembre "
-        "décembre"_s);
-    row("short_french_months", InFrench, u"month"_s,
-        u"janv. févr. mars avr. mai juin juil. août sept. oct. nov. déc."_s);
-    row("japanese_months", InJapanese, u"month"_s,
-        u"1月 2月 3月 4月 5月 6月 7月 8月 9月 10月 11月 12月"_s);
-    row("arabic_months", InArabic, u"month"_s,
-        u"يناير فبراير مارس أبريل مايو يونيو يوليو أغسطس سبتمبر أكتوبر نوفمبر ديسمبر"_s);
-    row("long_chakma_months", InChakma, u"month"_s, u"𑄎𑄚𑄪𑄠𑄢𑄨 𑄜𑄬𑄛𑄴𑄝𑄳𑄢𑄪𑄠𑄢𑄨 𑄟𑄢𑄴𑄌𑄧 𑄃𑄬𑄛𑄳𑄢𑄨𑄣𑄴 𑄟𑄬 𑄎𑄪𑄚𑄴 𑄎𑄪𑄣𑄭"_s);
-    row("short_chakma_months", InChakma, u"month"_s, u"𑄎𑄚𑄪 𑄜𑄬𑄛𑄴"_s);
-    row("numbers", Everywhere, u"month"_s, u"1 2 3 4 5 6 7 8 9 10 11 12"_s);
-    row("padded_numbers", Everywhere, u"month"_s, u"01 02 03 04 05 06 07 08 09"_s);
+    const TestRows<QString, QString> row("names", "answer");
+    if (here() == InC)
+        row("narrow_c_days", u"1 2 3 4 5 6 7"_s, u"date"_s);
+    if (here() == InEnglish)
+        row("narrow_english_days", u"M T W F S"_s, u"date"_s);
+    if ((here() & (InC | InEnglish)) != 0) {
+        row("long_english_days", u"Monday Tuesday Wednesday Thursday Friday Saturday Sunday"_s,
+            u"date"_s);
+        row("short_english_days", u"Mon Tue Wed Thu Fri Sat Sun"_s, u"date"_s);
+        row("long_english_months",
+            u"January February March April May June July August September October November "
+            "December"_s,
+            u"month"_s);
+        row("short_english_months", u"Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec"_s,
+            u"month"_s);
+    }
+    if (here() == InGerman) {
+        row("long_german_days", u"Montag Dienstag Mittwoch Donnerstag Freitag Samstag Sonntag"_s,
+            u"date"_s);
+        row("short_german_days", u"Mo. Di. Mi. Do. Fr. Sa. So."_s, u"date"_s);
+        row("long_german_months",
+            u"Januar Februar März April Mai Juni Juli August September Oktober November "
+            "Dezember"_s,
+            u"month"_s);
+        row("short_german_months", u"Jan. Feb. März Apr. Mai Juni Juli Aug. Sept. Okt. Nov. Dez."_s,
+            u"month"_s);
+    }
+    row("numbers", u"1 2 3 4 5 6 7 8 9 10 11 12"_s, u"month"_s);
+    row("padded_numbers", u"01 02 03 04 05 06 07 08 09"_s, u"month"_s);
 }
 
 void tst_matchers::namesOfDaysAndMonths()
 {
-    QFETCH(const QStringList, names);
+    QFETCH(const QString, names);
     QFETCH(const QString, answer);
-    for (const QString& name : names) {
+    const QStringList all = names.split(u' ');
+    for (const QString& name : all) {
         QVERIFY2(answersFor(name).split(u' ').contains(answer), qPrintable(name));
         QCOMPARE(answersFor(name + u' '), QString());
         if (answer == "date"_L1)
@@ -615,7 +520,8 @@ void tst_matchers::namesOfDaysAndMonths()
     }
 }
 
-/// What is decided once per process. The system's language is American English.
+/// What is decided once per process: each function runs in a process of its own, whose arguments
+/// name it, and without an application object. The system's language is American English.
 class tst_matchers_fresh : public QObject
 {
     Q_OBJECT
@@ -624,9 +530,7 @@ private Q_SLOTS:
     void init();
 
     void monthsStayAndDaysFollow();
-    void monthsAreThoseOfTheDefaultAndDaysOfBoth();
     void onlyAQuestionForMonthsDecidesTheirLanguage();
-    void monthsAreThoseOfTheProcessInEveryThread();
     void firstCallsOfSeveralThreadsAtOnce();
     void userSettings_data();
     void userSettings();
@@ -649,6 +553,10 @@ void tst_matchers_fresh::monthsStayAndDaysFollow()
     QCOMPARE(typeOf(u"July"_s), Type::Month);
     QCOMPARE(typeOf(u"Jul"_s), Type::Month);
     QCOMPARE(typeOf(u"Juli"_s), Type::Unknown);
+    std::array inThread { Type::Root, Type::Root };
+    std::thread worker([&inThread] { inThread = { typeOf(u"July"_s), typeOf(u"Juli"_s) }; });
+    worker.join();
+    QCOMPARE(inThread, (std::array { Type::Month, Type::Unknown }));
     QCOMPARE(typeOf(u"Montag"_s), Type::Day);
     QCOMPARE(typeOf(u"Sonntag, 14. Juli 2019"_s), Type::Day);
     // The system's language counts beside the default.
@@ -676,20 +584,6 @@ void tst_matchers_fresh::monthsStayAndDaysFollow()
     QCOMPARE(typeOf(u"lundi"_s), Type::Unknown);
 }
 
-void tst_matchers_fresh::monthsAreThoseOfTheDefaultAndDaysOfBoth()
-{
-    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
-    QCOMPARE(typeOf(u"juillet"_s), Type::Month);
-    QCOMPARE(typeOf(u"juil."_s), Type::Month);
-    QCOMPARE(typeOf(u"July"_s), Type::Unknown);
-    QCOMPARE(typeOf(u"Jul"_s), Type::Unknown);
-    QCOMPARE(typeOf(u"7"_s), Type::Month);
-    QCOMPARE(typeOf(u"lundi"_s), Type::Day);
-    QCOMPARE(typeOf(u"Monday"_s), Type::Day);
-    QCOMPARE(typeOf(u"14/07/2019"_s), Type::Day);
-    QCOMPARE(typeOf(u"7/14/19"_s), Type::Day);
-}
-
 void tst_matchers_fresh::onlyAQuestionForMonthsDecidesTheirLanguage()
 {
     const Classifier classifier(QFileInfo(u"/pictures"_s));
@@ -707,17 +601,6 @@ void tst_matchers_fresh::onlyAQuestionForMonthsDecidesTheirLanguage()
     QCOMPARE(typeOf(u"июль"_s), Type::Unknown);
     QCOMPARE(typeOf(u"июл."_s), Type::Month);
     QCOMPARE(typeOf(u"July"_s), Type::Unknown);
-}
-
-void tst_matchers_fresh::monthsAreThoseOfTheProcessInEveryThread()
-{
-    QCOMPARE(typeOf(u"July"_s), Type::Month);
-    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
-    std::array types { Type::Root, Type::Root };
-    std::thread worker([&types] { types = { typeOf(u"July"_s), typeOf(u"Juli"_s) }; });
-    worker.join();
-    QCOMPARE(types.at(0), Type::Month);
-    QCOMPARE(types.at(1), Type::Unknown);
 }
 
 void tst_matchers_fresh::firstCallsOfSeveralThreadsAtOnce()
@@ -744,68 +627,50 @@ void tst_matchers_fresh::firstCallsOfSeveralThreadsAtOnce()
 
 void tst_matchers_fresh::userSettings_data()
 {
-    QTest::addColumn<QString>("format");
-    QTest::addColumn<QString>("dayName");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<VLEventFolderTypeEnum>("type");
+    const Type day = Type::Day;
+    const TestRows<QString, QString, QString, Type> row("format", "dayName", "name", "type");
+    row("month_and_day", u"MMMM d"_s, {}, u"July 4"_s, day);
+    row("month_without_day", u"MMMM d"_s, {}, u"July"_s, Type::Month);
+    row("no_such_day", u"MMMM d"_s, {}, u"July 40"_s, Type::Unknown);
+    row("day_alone", u"d"_s, {}, u"4"_s, day);
+    row("month_alone_in_letters", u"MMMM"_s, {}, u"July"_s, day);
+    row("short_month_alone", u"MMM"_s, {}, u"Aug"_s, day);
+    row("month_alone_in_digits", u"M"_s, {}, u"7"_s, day);
+    row("two_digits_of_a_month", u"MM"_s, {}, u"07"_s, day);
+    row("year_alone", u"yyyy"_s, {}, u"1999"_s, day);
+    row("two_digits_of_a_year", u"yy"_s, {}, u"99"_s, day);
+    row("weekday_alone", u"dddd"_s, {}, u"Monday"_s, day);
+    row("day_and_month", u"d M"_s, {}, u"4 7"_s, day);
+    row("day_and_month_too_few_digits", u"d M"_s, {}, u"4 "_s, Type::Unknown);
+    row("quoted_day_is_text", u"'d' MMMM"_s, {}, u"d July"_s, day);
+    row("quoted_year_is_text", u"'y' MMMM"_s, {}, u"y July"_s, day);
+    row("lone_year_letter_is_text", u"y MMMM"_s, {}, u"y July"_s, day);
+    row("field_behind_quotes", u"'on' MMMM d"_s, {}, u"on July 4"_s, day);
+    row("field_between_quotes", u"'a' d 'b'"_s, {}, u"a 4 b"_s, day);
+    row("two_quoted_texts", u"'d' MMMM 'd'"_s, {}, u"d July d"_s, day);
+    row("full_stop", u"d.M"_s, {}, u"4.7"_s, day);
+    row("full_stop_missing", u"d.M"_s, {}, u"4 7"_s, Type::Unknown);
+    row("comma", u"d,M"_s, {}, u"4,7"_s, day);
+    row("comma_missing", u"d,M"_s, {}, u"4 7"_s, Type::Unknown);
+    row("slash", u"d/M"_s, {}, u"4/7"_s, day);
+    row("slash_missing", u"d/M"_s, {}, u"4 7"_s, Type::Unknown);
+    row("hyphen", u"d-M"_s, {}, u"4-7"_s, day);
+    row("hyphen_missing", u"d-M"_s, {}, u"4 7"_s, Type::Unknown);
+    row("quote_within_quotes", u"'a''d' MMMM"_s, {}, u"ad July"_s, day);
+    row("weekday_and_month", u"dddd MMMM"_s, {}, u"Monday July"_s, day);
+    row("unclosed_quote", u"MMMM d 'x"_s, {}, u"July 4 x"_s, day);
+    row("letters_that_are_no_fields", u"MMMM c e L N x z"_s, {}, u"July c e L N x z"_s, day);
+    row("full_stop_of_a_month_name", u"d MMM"_s, {}, u"4 Jul."_s, day);
+    row("nothing_is_a_date_of_no_format", u""_s, {}, u""_s, day);
+    row("format_of_the_host_counts_as_before", u"d_M"_s, {}, u"7/14/19"_s, day);
 
-    const auto row = [](const char* name, const QString& format, const QString& folder,
-                        Type type = Type::Day) {
-        QTest::newRow(name) << format << QString() << folder << type;
-    };
-    row("month_and_day", u"MMMM d"_s, u"July 4"_s);
-    row("month_and_two_digits", u"MMMM d"_s, u"July 14"_s);
-    row("month_without_day", u"MMMM d"_s, u"July"_s, Type::Month);
-    row("no_such_day", u"MMMM d"_s, u"July 40"_s, Type::Unknown);
-    row("day_alone", u"d"_s, u"4"_s);
-    row("day_alone_beyond_the_months", u"d"_s, u"31"_s);
-    row("no_such_day_alone", u"d"_s, u"32"_s, Type::Unknown);
-    row("two_digits_of_a_day", u"dd"_s, u"31"_s);
-    row("month_alone_in_letters", u"MMMM"_s, u"July"_s);
-    row("short_month_alone", u"MMM"_s, u"Aug"_s);
-    row("month_alone_in_digits", u"M"_s, u"7"_s);
-    row("two_digits_of_a_month", u"MM"_s, u"07"_s);
-    row("year_alone", u"yyyy"_s, u"1999"_s);
-    row("two_digits_of_a_year", u"yy"_s, u"99"_s);
-    row("weekday_alone", u"dddd"_s, u"Monday"_s);
-    row("day_and_month", u"d M"_s, u"4 7"_s);
-    row("day_and_month_too_few_digits", u"d M"_s, u"4 "_s, Type::Unknown);
-    row("day_month_and_short_year", u"d M yy"_s, u"4 7 99"_s);
-    row("quoted_day_is_text", u"'d' MMMM"_s, u"d July"_s);
-    row("quoted_month_is_text", u"'M' MMMM"_s, u"M July"_s);
-    row("quoted_year_is_text", u"'y' MMMM"_s, u"y July"_s);
-    row("lone_year_letter_is_text", u"y MMMM"_s, u"y July"_s);
-    row("field_behind_quotes", u"'on' MMMM d"_s, u"on July 4"_s);
-    row("field_between_quotes", u"'a' d 'b'"_s, u"a 4 b"_s);
-    row("two_quoted_texts", u"'d' MMMM 'd'"_s, u"d July d"_s);
-    row("full_stop", u"d.M"_s, u"4.7"_s);
-    row("full_stop_missing", u"d.M"_s, u"4 7"_s, Type::Unknown);
-    row("comma", u"d,M"_s, u"4,7"_s);
-    row("comma_missing", u"d,M"_s, u"4 7"_s, Type::Unknown);
-    row("slash", u"d/M"_s, u"4/7"_s);
-    row("slash_missing", u"d/M"_s, u"4 7"_s, Type::Unknown);
-    row("hyphen", u"d-M"_s, u"4-7"_s);
-    row("hyphen_missing", u"d-M"_s, u"4 7"_s, Type::Unknown);
-    row("other_sign", u"d_M"_s, u"4_7"_s);
-    row("quote_within_quotes", u"'a''d' MMMM"_s, u"ad July"_s);
-    row("weekday_and_month", u"dddd MMMM"_s, u"Monday July"_s);
-    row("short_weekday_and_month", u"ddd MMMM"_s, u"Mon July"_s);
-    row("unclosed_quote", u"MMMM d 'x"_s, u"July 4 x"_s);
-    row("letters_that_are_no_fields", u"MMMM c e L N x z"_s, u"July c e L N x z"_s);
-    row("full_stop_of_a_month_name", u"d MMM"_s, u"4 Jul."_s);
-    row("nothing_is_a_date_of_no_format", u""_s, u""_s);
-    row("format_of_the_host_counts_as_before", u"d_M"_s, u"7/14/19"_s);
-
-    const auto day = [](const char* name, const QString& dayName, const QString& folder,
-                        Type type = Type::Day) {
-        QTest::newRow(name) << QString() << dayName << folder << type;
-    };
-    day("own_day_name", u"Washday"_s, u"Washday"_s);
-    day("own_day_name_in_another_case", u"Washday"_s, u"washday"_s, Type::Unknown);
-    day("numerals_of_a_day_name_are_no_digits", u"Tag \u2160 \u2161"_s, u"Tag \u2160 \u2161"_s);
-    day("day_name_of_the_host_counts_as_before", u"Washday"_s, u"Monday"_s);
-    day("empty_day_name_matches_nothing", u""_s, u""_s, Type::Unknown);
-    day("empty_day_name_is_not_in_every_name", u""_s, u"Beach"_s, Type::Unknown);
+    row("own_day_name", {}, u"Washday"_s, u"Washday"_s, day);
+    row("own_day_name_in_another_case", {}, u"Washday"_s, u"washday"_s, Type::Unknown);
+    row("numerals_of_a_day_name_are_no_digits", {}, u"Tag \u2160 \u2161"_s, u"Tag \u2160 \u2161"_s,
+        day);
+    row("day_name_of_the_host_counts_as_before", {}, u"Washday"_s, u"Monday"_s, day);
+    row("empty_day_name_matches_nothing", {}, u""_s, u""_s, Type::Unknown);
+    row("empty_day_name_is_not_in_every_name", {}, u""_s, u"Beach"_s, Type::Unknown);
 }
 
 void tst_matchers_fresh::userSettings()
@@ -835,7 +700,14 @@ int main(int argc, char* argv[])
     // There the language is a setting, which the environment does not change.
     QLocale::setDefault(QLocale(qEnvironmentVariable("LC_ALL").section(u'.', 0, 0)));
 #endif
-    return runUsualOrFresh<tst_matchers, tst_matchers_fresh>(argc, argv);
+    const QByteArray function = QByteArray(argc > 1 ? argv[1] : "").append("()");
+    if (tst_matchers_fresh::staticMetaObject.indexOfSlot(function.constData()) >= 0) {
+        tst_matchers_fresh test;
+        return QTest::qExec(&test, argc, argv);
+    }
+    const QCoreApplication application(argc, argv);
+    tst_matchers test;
+    return QTest::qExec(&test, argc, argv);
 }
 
 #include "tst_matchers.moc"
