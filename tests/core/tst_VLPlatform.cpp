@@ -190,12 +190,14 @@ void tst_VLPlatform::noDirectory_data()
     row("dangling_link", "danglingLink", missing);
     row("file", "file", {});
     row("link_to_a_file", "linkToFile", {});
+    row("link_to_a_pipe", "linkToPipe", {});
 }
 
 void tst_VLPlatform::noDirectory()
 {
     QFETCH(const QByteArray, name);
-    m_tree->make({ "empty/", "file", "danglingLink -> gone", "linkToFile -> file" });
+    m_tree->make({ "empty/", "file", "danglingLink -> gone", "linkToFile -> file", "pipe|",
+                   "linkToPipe -> pipe" });
     for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
         QCOMPARE(listed(wanted, name).names, QStringList());
         QTEST(problemsOf(listed(wanted, name)), "problems");
@@ -284,13 +286,13 @@ void tst_VLPlatform::undecodableNames()
         QSKIP("The file systems of macOS take names in UTF-8 only");
     QFETCH(const QByteArrayList, entries);
     QFETCH(const bool, isTold);
-    m_tree->make(entries).make({ "\xfa.jpg" });
+    m_tree->make(entries).make({ "\xfa.jpg", "\xfb.png -> \xfa.jpg" });
     VERIFY_MADE(*m_tree);
     const Listing found = listed(Wanted::Directories);
     QTEST(sorted(found.names), "folders");
     QCOMPARE(problemsOf(found), isTold ? line(ListingProblem::UndecodableName, 0) : QStringList());
     const Listing files = listed(Wanted::Files);
-    QVERIFY(files.names.contains(u"\ufffd.jpg"_s));
+    QVERIFY(files.names.contains(u"\ufffd.jpg"_s) && files.names.contains(u"\ufffd.png"_s));
     QCOMPARE(problemsOf(files), QStringList());
 }
 

@@ -12,10 +12,6 @@
 
 #include <sys/wait.h>
 
-#if defined(Q_OS_LINUX)
-#    include <sys/sysmacros.h>
-#endif
-
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -44,18 +40,6 @@ QByteArrayList sorted(QByteArrayList names)
     return names;
 }
 
-// The device that takes everything, and a disk that is not there.
-bool makeDevices(const RawDirectory& tree)
-{
-#if defined(Q_OS_LINUX)
-    return mknod(tree.bytes("2019/character").constData(), S_IFCHR | 0600, makedev(1, 3)) == 0
-        && mknod(tree.bytes("2019/block").constData(), S_IFBLK | 0600, makedev(7, 255)) == 0;
-#else
-    Q_UNUSED(tree)
-    return false;
-#endif
-}
-
 } // namespace
 
 class tst_hostile : public QObject
@@ -66,8 +50,6 @@ private Q_SLOTS:
     void init();
     void properName_data();
     void properName();
-    void kindsThatCount();
-    void devicesAreNeitherFoldersNorFiles();
     void rootOfTheFileSystem();
     void folderThatIsChangedMeanwhile_data();
     void folderThatIsChangedMeanwhile();
@@ -133,37 +115,6 @@ void tst_hostile::properName()
     QCOMPARE(report.count("<tr class="), expected.size());
     QCOMPARE(report.count("<td>/" + name + "</td>\n"), type.isEmpty() ? 0 : 1);
     QVERIFY(report.endsWith("</html>\n"));
-}
-
-// Files and links to files do, whatever their names, but not the hidden ones.
-void tst_hostile::kindsThatCount()
-{
-    RawDirectory tree({ "2019/e.jpg/", "2019/a.jpg|", "2019/b.jpg=", "2019/c.jpg",
-                        "2019/d.jpg -> c.jpg", "2019/f.jpg -> e.jpg", "2019/g.jpg -> a.jpg",
-                        "2019/h.jpg -> nowhere", "2019/.i", "2019/\n.jpg", "2019/\xff.jpg",
-                        "2019/\xfe.jpg -> c.jpg", "2019/.\xff", "2019/\xfd/" });
-    VERIFY_MADE(tree);
-    const QByteArray report = reportOf(tree);
-    const auto counted = [&report](const char* path, const char* count) {
-        return report.contains(QByteArray("<td>") + path + "</td>\n\t\t\t\t<td>" + count
-                               + "</td>\n");
-    };
-    QVERIFY(counted("/2019", "5"));
-    QVERIFY(counted("/2019/e.jpg", "0"));
-    QVERIFY(counted("/2019/f.jpg", "0"));
-    // A link to a pipe is listed as a folder, and nothing is in it.
-    QVERIFY(counted("/2019/g.jpg", "0"));
-    QCOMPARE(report.count("<tr class="), 5);
-}
-
-void tst_hostile::devicesAreNeitherFoldersNorFiles()
-{
-    RawDirectory tree({ "2019/c.jpg/", "2019/d.jpg" });
-    if (!makeDevices(tree))
-        QSKIP("Only the superuser of some systems makes devices: run the test as root");
-    QCOMPARE(walkedLines(tree.path()),
-             (QByteArrayList { " Root", "/2019 Year", "/2019/c.jpg Event" }));
-    QVERIFY(reportOf(tree).contains("<td>/2019</td>\n\t\t\t\t<td>1</td>\n"));
 }
 
 // Its path ends with the slash that others lack.

@@ -1,5 +1,4 @@
 #include "LiteralRules.h"
-#include "RunTogether.h"
 #include "TestRows.h"
 #include "TypeNames.h"
 
@@ -20,7 +19,6 @@
 #endif
 
 #include <array>
-#include <atomic>
 #include <thread>
 #include <type_traits>
 #include <utility>
@@ -531,7 +529,6 @@ private Q_SLOTS:
 
     void monthsStayAndDaysFollow();
     void onlyAQuestionForMonthsDecidesTheirLanguage();
-    void firstCallsOfSeveralThreadsAtOnce();
     void userSettings_data();
     void userSettings();
 };
@@ -601,28 +598,6 @@ void tst_matchers_fresh::onlyAQuestionForMonthsDecidesTheirLanguage()
     QCOMPARE(typeOf(u"июль"_s), Type::Unknown);
     QCOMPARE(typeOf(u"июл."_s), Type::Month);
     QCOMPARE(typeOf(u"July"_s), Type::Unknown);
-}
-
-void tst_matchers_fresh::firstCallsOfSeveralThreadsAtOnce()
-{
-    const QList<std::pair<QString, QString>> expected {
-        { u"December"_s, u"month"_s },   { u"2019-07-14"_s, u"date year"_s },
-        { u"14.07.99"_s, u"date"_s },    { u"Sunday"_s, u"date"_s },
-        { u"January"_s, u"month"_s },    { u"09"_s, u"month"_s },
-        { u"Summer 2019"_s, u"year"_s }, { u"Beach"_s, u""_s },
-    };
-    std::atomic_int wrong { 0 };
-    runTogether(16, [&expected, &wrong](int thread) {
-        // The list of the months takes longest to be made: half of the threads begin with it.
-        if (thread % 2 == 0)
-            wrong += Classifier(QFileInfo()).matchesMonth(u"December"_s) ? 0 : 1;
-        // Each goes on with another name, so that every matcher is some thread's first.
-        for (qsizetype n = 0; n < expected.size(); ++n) {
-            const auto& [name, answers] = expected.at((n + thread) % expected.size());
-            wrong += answersFor(name) == answers ? 0 : 1;
-        }
-    });
-    QCOMPARE(wrong.load(), 0);
 }
 
 void tst_matchers_fresh::userSettings_data()

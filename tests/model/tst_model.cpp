@@ -142,7 +142,6 @@ private Q_SLOTS:
     void nameOfType_data();
     void nameOfType();
     void tableOfTypesHoldsSevenNamesBothWays();
-    void filledTableKeepsWhatAValueWasCalledBefore();
 
     void occasionStoresWhatItIsGiven();
     void occasionIsEmptyUnlessGiven();
@@ -218,15 +217,6 @@ void tst_model::tableOfTypesHoldsSevenNamesBothWays()
     type(18).fillTable(&own);
     QCOMPARE(own.nameToValue, sevenNames());
     QCOMPARE(own.valueToName, sevenValues());
-}
-
-void tst_model::filledTableKeepsWhatAValueWasCalledBefore()
-{
-    Table table;
-    table.insert(u"Party"_s, Type::Event);
-    VLEventFolderType().fillTable(&table);
-    QCOMPARE(table.nameFor(Type::Event), u"Party"_s);
-    QCOMPARE(table.valueFor(u"Event"_s), Type::Event);
 }
 
 void tst_model::occasionStoresWhatItIsGiven()

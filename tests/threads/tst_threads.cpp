@@ -145,8 +145,7 @@ private Q_SLOTS:
     void comparingLeavesNothingInTheDirectory();
     void classifyingLeavesNothingInTheRootItWasMadeOf();
     void copyOfAClassifierLooksAtItsRootAnew();
-    void allThreadsUseCopiesAtOnce();
-    void allThreadsMakeResultsOfOneListing();
+    void allThreadsMakeAndCompareResultsOfOneListing();
 
 private:
     std::unique_ptr<RawDirectory> m_tree;
@@ -270,39 +269,25 @@ void tst_threads::copyOfAClassifierLooksAtItsRootAnew()
     QVERIFY(isRootOf(assigned, "other"));
 }
 
-// The more results, the likelier two threads meet at one of them.
-void tst_threads::allThreadsUseCopiesAtOnce()
-{
-    const QString line = u"  Event <= "_s + m_folder;
-    std::atomic_int wrong { 0 };
-    for (int round = 0; round < roundCount; ++round) {
-        VLEventFolderClassificationResultList results;
-        for (int i = 0; i < 200; ++i)
-            results.append(eventAt(m_folder));
-        const Result link = eventAt(m_link);
-        runTogether(threadCount, [&wrong, &line, &results, &link](int) {
-            for (const Result& result : std::as_const(results)) {
-                const Result copy = result;
-                wrong += copy == link && copy.render(0) == line ? 0 : 1;
-            }
-        });
-    }
-    QCOMPARE(wrong.load(), 0);
-}
-
-// As a host does that has listed folders by itself and shares the list out.
-void tst_threads::allThreadsMakeResultsOfOneListing()
+// As a host does that has listed folders by itself and shares the list out. The more results, the
+// likelier two threads meet at one of them.
+void tst_threads::allThreadsMakeAndCompareResultsOfOneListing()
 {
     const QString line = u"  Event <= "_s + m_folder;
     std::atomic_int wrong { 0 };
     for (int round = 0; round < roundCount; ++round) {
         QFileInfoList listed;
-        for (int i = 0; i < 3000; ++i)
+        VLEventFolderClassificationResultList results;
+        for (int i = 0; i < 500; ++i) {
             listed.append(QFileInfo(m_folder));
-        runTogether(2, [&wrong, &line, listed](int) {
-            for (const QFileInfo& directory : listed) {
-                const Result result(directory, VLEventFolderTypeEnum::Event);
-                wrong += result.render(0) == line ? 0 : 1;
+            results.append(eventAt(m_folder));
+        }
+        const Result link = eventAt(m_link);
+        runTogether(threadCount, [&wrong, &line, &results, &link, listed](int) {
+            for (qsizetype i = 0; i < listed.size(); ++i) {
+                const Result made(listed.at(i), VLEventFolderTypeEnum::Event);
+                const Result copy = results.at(i);
+                wrong += made.render(0) == line && copy == link && copy.render(0) == line ? 0 : 1;
             }
         });
     }

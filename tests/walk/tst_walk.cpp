@@ -151,7 +151,6 @@ private Q_SLOTS:
     void start();
     void linkCircle_data();
     void linkCircle();
-    void unreadableFolder_data();
     void unreadableFolder();
     void deepestTree();
 
@@ -490,35 +489,20 @@ void tst_walk::linkCircle()
     QCOMPARE(found.size(), limit * resultsPerLink + otherResults);
 }
 
-void tst_walk::unreadableFolder_data()
-{
-    const QByteArrayList without2018 { " Root", "/2018 Year", "/2019 Year", "/2019/07 Month" };
-    const TestRows<QByteArray, int, QByteArrayList> row("folder", "mode", "expected");
-    row("without_any_right", "2018", 0, without2018);
-    row("may_be_entered_but_not_read", "2018", 0111, without2018);
-    row("root", "", 0, { " Root" });
-}
-
 void tst_walk::unreadableFolder()
 {
-    QFETCH(const QByteArray, folder);
-    QFETCH(const int, mode);
-    QFETCH(const QByteArrayList, expected);
-
-    RawDirectory tree({ "2018/07/Beach/", "2019/07/" });
-    for (const char* const open : { "", "2018", "2018/07", "2018/07/Beach", "2019", "2019/07" })
+    RawDirectory tree({ "2018/07/", "2019/07/" });
+    for (const char* const open : { "", "2019", "2019/07" })
         tree.restrict(open, 0777);
-    QVERIFY2(tree.restrict(folder, static_cast<mode_t>(mode)).isValid(), tree.error());
+    QVERIFY2(tree.restrict("2018", 0111).isValid(), tree.error());
     QByteArrayList found;
-    bool isActive = false;
     {
         const UnprivilegedUser user;
-        isActive = user.isActive();
+        if (!user.isActive())
+            QSKIP("The superuser cannot give up its rights here: run the test as another user");
         found = walkedLines(tree.path());
     }
-    if (!isActive)
-        QSKIP("The superuser cannot give up its rights here: run the test as another user");
-    QCOMPARE(found, expected);
+    QCOMPARE(found, (QByteArrayList { " Root", "/2018 Year", "/2019 Year", "/2019/07 Month" }));
 }
 
 // A path that the system refuses has no subdirectories; the last one that it takes may still name
