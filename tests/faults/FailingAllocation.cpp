@@ -1,11 +1,16 @@
 #include "FailingAllocation.h"
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <cstdlib>
+#include <new>
+#include <thread>
 
 #include <execinfo.h>
 #include <malloc.h>
+#include <unistd.h>
 
 // The C library's own allocator, under the names that stay reachable.
 extern "C" {
@@ -19,10 +24,11 @@ void __libc_free(void* block);           // NOLINT(bugprone-reserved-identifier)
 
 namespace {
 
-long remaining = 0;
+std::atomic<long> remaining = 0;
 bool staysFailing = false;
+bool announces = false;
 bool failed = false;
-long live = 0;
+std::atomic<long> live = 0;
 // The callers of the last allocation that failed.
 std::array<void*, 48> callers {};
 int callerCount = 0;
@@ -49,9 +55,19 @@ bool fails()
         remaining = 0;
     if (!failed)
         noteCallers();
+    if (announces)
+        static_cast<void>(!write(STDERR_FILENO, "failed\n", 7));
     failed = true;
     errno = ENOMEM;
     return true;
+}
+
+[[gnu::constructor]] void armFromEnvironment()
+{
+    if (const char* const nth = std::getenv("FAILING_ALLOCATION")) {
+        announces = true;
+        FailingAllocation::arm(std::atol(nth), FailingAllocation::Extent::Once);
+    }
 }
 
 void* made(void* block)
@@ -110,6 +126,16 @@ void free(void* block)
 }
 
 } // extern "C"
+
+void* operator new(std::size_t size)
+{
+    static const std::thread::id first = std::this_thread::get_id();
+    const bool lacksMemory = announces && std::this_thread::get_id() != first;
+    void* const block = lacksMemory ? nullptr : std::malloc(size);
+    if (block == nullptr)
+        throw std::bad_alloc();
+    return block;
+}
 
 void FailingAllocation::prepare()
 {

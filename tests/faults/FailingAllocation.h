@@ -2,9 +2,13 @@
 
 #include <cstddef>
 
-/// The allocator of this program, which can be told to fail. It takes the place of malloc() and of
-/// everything that ends there: operator new, Qt's arrays and the C library's own buffers. For
-/// programs of one thread.
+/// An allocator that can be told to fail. A shared library that takes the place of malloc() and of
+/// everything that ends there: operator new, Qt's arrays and the C library's own buffers. In a
+/// program that is linked with it, and in one that it is preloaded into.
+///
+/// The environment variable FAILING_ALLOCATION, a number, arms it at the program's begin. The line
+/// "failed" on standard error tells then that this allocation has failed, and other threads than
+/// the first have no memory. No other allocation fails if it is 0.
 namespace FailingAllocation {
 
 /// Which allocations fail.

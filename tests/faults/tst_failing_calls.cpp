@@ -115,8 +115,6 @@ private Q_SLOTS:
     void searchWithoutMemoryIsBadAlloc();
     void loneSurrogateIsNoLackOfMemory();
 
-    void walkTellsWhatItLoses_data();
-    void walkTellsWhatItLoses();
     void runTellsWhatItLoses_data();
     void runTellsWhatItLoses();
     void programTellsWhatItLoses_data();
@@ -147,38 +145,6 @@ private:
 void tst_failing_calls::initTestCase()
 {
     QVERIFY(m_tree.isValid());
-}
-
-void tst_failing_calls::walkTellsWhatItLoses_data()
-{
-    addColumns();
-    addFaults({ "close", "getdents64", "open", "realpath", "stat" });
-}
-
-void tst_failing_calls::walkTellsWhatItLoses()
-{
-    QFETCH(const QByteArray, call);
-    QFETCH(const int, error);
-
-    long nth = 1;
-    for (;; ++nth) {
-        const RecordingPlatform platform;
-        arm(call, nth, nth, error, m_tree.root());
-        const auto results = walk(m_tree.root());
-        const char* const failed = vlDisarmFailingCall();
-        if (failed == nullptr)
-            break;
-        QList<FoundFolder> found;
-        for (const VLEventFolderClassificationResult& result : results) {
-            found.append({ result.directory().absoluteFilePath(),
-                           typeName(result.classification().value()), -1 });
-        }
-        const QStringList wrong =
-            m_tree.unexplained(found, toldPaths(platform), goneFor(call, error));
-        QVERIFY2(wrong.isEmpty(),
-                 qPrintable(QString::fromUtf8(failed) + u": "_s + wrong.join(u"; "_s)));
-    }
-    QVERIFY(nth > 1);
 }
 
 void tst_failing_calls::runTellsWhatItLoses_data()

@@ -1,7 +1,5 @@
 #include "Shell.h"
 
-#include "Sanitizer.h"
-
 #include <QtCore/QFile>
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
@@ -91,8 +89,9 @@ QProcessEnvironment environment()
     // What to preload into the program. A sanitizer gives memory of its own, and wants to be loaded
     // first unless told otherwise.
     environment.insert(u"calls"_s, QStringLiteral(VLFOLIO_CALLS));
-    if (!underSanitizer)
-        environment.insert(u"memory"_s, QStringLiteral(VLFOLIO_LIMITED_MEMORY));
+#if defined(VLFOLIO_MEMORY)
+    environment.insert(u"memory"_s, QStringLiteral(VLFOLIO_MEMORY));
+#endif
     environment.insert(u"ASAN_OPTIONS"_s, u"verify_asan_link_order=0"_s);
     return environment;
 }
