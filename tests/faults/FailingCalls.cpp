@@ -238,7 +238,13 @@ long vlFailingCallCount()
     return count;
 }
 
-// The function of the same name that stands behind, in its several forms.
+// A function, its parameters and the arguments for the one of the same name that stands behind, the
+// call that fails, and what it is about: a descriptor, or a path that begins there.
+#define FAILING(name, parameters, arguments, call, ...)                                            \
+    int name parameters                                                                            \
+    {                                                                                              \
+        return fails(call, __VA_ARGS__) ? -1 : original<decltype(&name)>(#name) arguments;         \
+    }
 #define FAILING_OPEN(name)                                                                         \
     int name(const char* path, int flags, ...)                                                     \
     {                                                                                              \
@@ -246,42 +252,30 @@ long vlFailingCallCount()
         va_start(arguments, flags);                                                                \
         const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;                    \
         va_end(arguments);                                                                         \
-        using Function = int (*)(const char*, int, ...);                                           \
-        return failsAt("open", path) ? -1 : original<Function>(#name)(path, flags, mode);          \
-    }
-#define FAILING_STAT_BY_PATH(name, Data)                                                           \
-    int name(const char* path, struct Data* data) noexcept                                         \
-    {                                                                                              \
-        using Function = int (*)(const char*, struct Data*);                                       \
-        return failsAt("stat", path) ? -1 : original<Function>(#name)(path, data);                 \
-    }
-#define FAILING_STAT_BY_DESCRIPTOR(name, Data)                                                     \
-    int name(int descriptor, struct Data* data) noexcept                                           \
-    {                                                                                              \
-        using Function = int (*)(int, struct Data*);                                               \
-        return fails("stat", descriptor) ? -1 : original<Function>(#name)(descriptor, data);       \
-    }
-#define FAILING_STAT_IN_DIRECTORY(name, Data)                                                      \
-    int name(int directory, const char* path, struct Data* data, int flags) noexcept               \
-    {                                                                                              \
-        using Function = int (*)(int, const char*, struct Data*, int);                             \
-        return fails("stat", directory, path)                                                      \
-            ? -1                                                                                   \
-            : original<Function>(#name)(directory, path, data, flags);                             \
+        return failsAt("open", path) ? -1 : original<decltype(&name)>(#name)(path, flags, mode);   \
     }
 
 extern "C" {
 
+// clang-format off
 FAILING_OPEN(open)
 FAILING_OPEN(open64)
-FAILING_STAT_BY_PATH(stat, stat)
-FAILING_STAT_BY_PATH(stat64, stat64)
-FAILING_STAT_BY_PATH(lstat, stat)
-FAILING_STAT_BY_PATH(lstat64, stat64)
-FAILING_STAT_BY_DESCRIPTOR(fstat, stat)
-FAILING_STAT_BY_DESCRIPTOR(fstat64, stat64)
-FAILING_STAT_IN_DIRECTORY(fstatat, stat)
-FAILING_STAT_IN_DIRECTORY(fstatat64, stat64)
+FAILING(stat, (const char* path, struct stat* data) noexcept, (path, data), "stat", AT_FDCWD, path)
+FAILING(stat64, (const char* path, struct stat64* data) noexcept, (path, data), "stat", AT_FDCWD, path)
+FAILING(lstat, (const char* path, struct stat* data) noexcept, (path, data), "stat", AT_FDCWD, path)
+FAILING(lstat64, (const char* path, struct stat64* data) noexcept, (path, data), "stat", AT_FDCWD, path)
+FAILING(fstat, (int file, struct stat* data) noexcept, (file, data), "stat", file)
+FAILING(fstat64, (int file, struct stat64* data) noexcept, (file, data), "stat", file)
+FAILING(fstatat, (int from, const char* path, struct stat* data, int flags) noexcept, (from, path, data, flags), "stat", from, path)
+FAILING(fstatat64, (int from, const char* path, struct stat64* data, int flags) noexcept, (from, path, data, flags), "stat", from, path)
+FAILING(statx, (int from, const char* path, int flags, unsigned mask, struct statx* data) noexcept, (from, path, flags, mask, data), "stat", from, path)
+FAILING(access, (const char* path, int mode) noexcept, (path, mode), "access", AT_FDCWD, path)
+FAILING(unlink, (const char* path) noexcept, (path), "unlink", AT_FDCWD, path)
+FAILING(mkdirat, (int from, const char* path, mode_t mode) noexcept, (from, path, mode), "change", from, path)
+FAILING(renameat, (int from, const char* path, int to, const char* name) noexcept, (from, path, to, name), "change", from, path)
+FAILING(unlinkat, (int from, const char* path, int flags) noexcept, (from, path, flags), "change", from, path)
+FAILING(fsync, (int file), (file), "change", file)
+// clang-format on
 
 int openat(int directory, const char* path, int flags, ...)
 {
@@ -289,24 +283,9 @@ int openat(int directory, const char* path, int flags, ...)
     va_start(arguments, flags);
     const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    using Function = int (*)(int, const char*, int, ...);
     return fails("open", directory, path)
         ? -1
-        : original<Function>("openat")(directory, path, flags, mode);
-}
-
-int statx(int directory, const char* path, int flags, unsigned int mask,
-          struct statx* data) noexcept
-{
-    using Function = int (*)(int, const char*, int, unsigned int, struct statx*);
-    return fails("stat", directory, path)
-        ? -1
-        : original<Function>("statx")(directory, path, flags, mask, data);
-}
-
-int access(const char* path, int mode) noexcept
-{
-    return failsAt("access", path) ? -1 : original<decltype(&access)>("access")(path, mode);
+        : original<decltype(&openat)>("openat")(directory, path, flags, mode);
 }
 
 // The descriptor is gone afterwards, whatever the answer is.
@@ -345,43 +324,12 @@ char* __realpath_chk(const char* path, char* resolved, std::size_t size) noexcep
         : original<decltype(&__realpath_chk)>("__realpath_chk")(path, resolved, size);
 }
 
-int mkdirat(int directory, const char* path, mode_t mode) noexcept
-{
-    return fails("change", directory, path)
-        ? -1
-        : original<decltype(&mkdirat)>("mkdirat")(directory, path, mode);
-}
-
-int renameat(int from, const char* path, int to, const char* newPath) noexcept
-{
-    return fails("change", from, path)
-        ? -1
-        : original<decltype(&renameat)>("renameat")(from, path, to, newPath);
-}
-
-int unlinkat(int directory, const char* path, int flags) noexcept
-{
-    return fails("change", directory, path)
-        ? -1
-        : original<decltype(&unlinkat)>("unlinkat")(directory, path, flags);
-}
-
-int fsync(int descriptor)
-{
-    return fails("change", descriptor) ? -1 : original<decltype(&fsync)>("fsync")(descriptor);
-}
-
 int fflush(std::FILE* stream)
 {
     const int result = original<decltype(&fflush)>("fflush")(stream);
     if (stream == stderr)
         ++flushes;
     return result;
-}
-
-int unlink(const char* path) noexcept
-{
-    return failsAt("unlink", path) ? -1 : original<decltype(&unlink)>("unlink")(path);
 }
 
 ssize_t write(int descriptor, const void* data, std::size_t size)
