@@ -115,7 +115,6 @@ private Q_SLOTS:
 
     void relativeDirectoryIsTheOneInTheWorkingDirectory();
     void pathWithNullListsNothing();
-    void directoryThroughALinkIsListed();
     void filtersOfTheDirectoryAreIgnored();
     void filesOfAFileEngineAreListed();
     void incompleteListingsAreTold();
@@ -226,13 +225,6 @@ void tst_VLPlatformIndependent::pathWithNullListsNothing()
     const QDir directory(path() + QChar(0) + u"x"_s);
     QCOMPARE(filesIn(directory), QStringList());
     QCOMPARE(foldersIn(directory), QStringList());
-}
-
-void tst_VLPlatformIndependent::directoryThroughALinkIsListed()
-{
-    m_tree->make({ "sub/", "sub/inner", "link -> sub" });
-    QCOMPARE(filesIn(path("link")), QStringList { u"inner"_s });
-    QCOMPARE(filesIn(path("link/")), QStringList { u"inner"_s });
 }
 
 void tst_VLPlatformIndependent::filtersOfTheDirectoryAreIgnored()

@@ -34,8 +34,8 @@ QString reportOf(const QString& root)
     return root + u"/vela.classification.results.html"_s;
 }
 
-/// A collection of its own for each thread. The number of the thread changes what the folders are,
-/// so that results of one in the report of another show.
+/// A collection of its own for each thread. The number of the thread is in the year, so that
+/// results of one in the report of another show.
 class ThreadTree
 {
 public:
@@ -50,11 +50,6 @@ public:
     {
         const QByteArray year = m_year.sliced(1);
         m_tree.make({ year + "/07/Beach/2019-07-14/", year + "/07/a.jpg", year + "/August/" });
-        for (int extra = 0; extra < thread; ++extra) {
-            const QByteArray name = "/Misc " + QByteArray::number(extra);
-            m_tree.make({ name.sliced(1) + '/' });
-            m_lines.append(name + " Unknown");
-        }
         if (!m_tree.isValid())
             qFatal("No tree for a thread: %s", m_tree.error());
     }

@@ -155,7 +155,6 @@ private Q_SLOTS:
     void deepestTree();
 
     void constructorCopiesTheRootAndDoesNotLook();
-    void walkListsAnew();
 
     void photokitPath_data();
     void photokitPath();
@@ -163,7 +162,6 @@ private Q_SLOTS:
     void photokitEqualityIsThatOfTheEngine();
     void photokitResultKeepsItsEngine();
 
-    void walkIsEmptyOnceTheApplicationIsGone();
     void walkEndsAtTheNextFolderAndKeepsWhatItHas();
 
 private:
@@ -538,48 +536,6 @@ void tst_walk::constructorCopiesTheRootAndDoesNotLook()
     QVERIFY2(tree.make({ "later/2019/" }).isValid(), tree.error());
     QCOMPARE(lines(classifier.eventFolderTypes(QFileInfo(tree.path("later")), {}), tree.path()),
              (QByteArrayList { "/later Root", "/later/2019 Year" }));
-}
-
-void tst_walk::walkListsAnew()
-{
-    RawDirectory tree({ "2018/Beach/" });
-    const QFileInfo root(tree.path());
-    Classifier classifier(root);
-    const auto found = [&classifier, &root, &tree] {
-        return lines(classifier.eventFolderTypes(root, {}), tree.path());
-    };
-    const QByteArrayList first { " Root", "/2018 Year", "/2018/Beach Event" };
-    QCOMPARE(found(), first);
-    QCOMPARE(found(), first);
-
-    // Neither another start nor another parent is remembered.
-    const QFileInfo below(tree.path("2018/Beach"));
-    QCOMPARE(classifier.eventFolderTypes(below, parentOf(Type::Day)).size(), 1);
-    QVERIFY(QDir(tree.path("2018")).rmdir(u"Beach"_s));
-    QVERIFY2(tree.make({ "2018/07/", "2019/" }).isValid(), tree.error());
-    QCOMPARE(found(), (QByteArrayList { " Root", "/2018 Year", "/2018/07 Month", "/2019 Year" }));
-}
-
-void tst_walk::walkIsEmptyOnceTheApplicationIsGone()
-{
-    RawDirectory tree({ "2019/07/" });
-    const QByteArrayList whole { " Root", "/2019 Year", "/2019/07 Month" };
-    m_application.begin();
-    QCOMPARE(walkedLines(tree.path()), whole);
-
-    m_application.end();
-    QVERIFY(QCoreApplication::closingDown());
-    QCOMPARE(walkedLines(tree.path()), QByteArrayList());
-    // The questions about a single folder are still answered.
-    Classifier classifier { QFileInfo(tree.path()) };
-    QCOMPARE(classifier.contextDependentEventFolderType(QFileInfo(tree.path()), {})
-                 .classification()
-                 .value(),
-             Type::Root);
-    QCOMPARE(classifier.eventFolderType(u"2019"_s).value(), Type::Year);
-
-    m_application.begin();
-    QCOMPARE(walkedLines(tree.path()), whole);
 }
 
 void tst_walk::photokitPath_data()
