@@ -227,7 +227,6 @@ class tst_core : public QObject
 private Q_SLOTS:
     void init();
 
-    void virtualOperationsKeepTheirOrder_data();
     void virtualOperationsKeepTheirOrder();
     void eachSourceFileHasItsOwnComma();
 
@@ -254,7 +253,8 @@ void tst_core::init()
     QTest::failOnWarning(QRegularExpression(u".?"_s));
 }
 
-void tst_core::virtualOperationsKeepTheirOrder_data()
+// The compiler keeps two entries ahead of them for the destructor, 0 and 1.
+void tst_core::virtualOperationsKeepTheirOrder()
 {
     using Type = VLEventFolderType;
     using Enum = VLEventFolderTypeEnum;
@@ -264,40 +264,37 @@ void tst_core::virtualOperationsKeepTheirOrder_data()
     using Assign = Wrapper& (Wrapper::*)(const Wrapper&);
     using AssignRaw = Wrapper& (Wrapper::*)(Enum);
     using Combine = Enum (Wrapper::*)(const Wrapper&) const;
-
-    const TestRows<int, int> row("slot", "expected");
-    // The compiler keeps two entries for the destructor, 0 and 1.
-    row("type_<", slotOf<Compare>(&Type::operator<), 2);
-    row("type_<=", slotOf<Compare>(&Type::operator<=), 3);
-    row("type_>", slotOf<Compare>(&Type::operator>), 4);
-    row("type_==", slotOf<Compare>(&Type::operator==), 5);
-    row("type_==_raw", slotOf<CompareRaw>(&Type::operator==), 6);
-    row("type_!=", slotOf<Compare>(&Type::operator!=), 7);
-    row("type_!=_raw", slotOf<CompareRaw>(&Type::operator!=), 8);
-    row("type_|=", slotOf<Assign>(&Type::operator|=), 9);
-    row("type_|=_raw", slotOf<AssignRaw>(&Type::operator|=), 10);
-    row("type_&=", slotOf<Assign>(&Type::operator&=), 11);
-    row("type_&=_raw", slotOf<AssignRaw>(&Type::operator&=), 12);
-    row("type_&", slotOf<Combine>(&Type::operator&), 13);
-    row("type_|", slotOf<Combine>(&Type::operator|), 14);
-    row("type_reducedTo", slotOf(&Type::reducedTo), 15);
-    row("type_isValid", slotOf(&Type::isValid), 16);
-    row("type_fillTable", slotOf(&Type::fillTable), 17);
-
     using Platform = VLPlatformIndependent;
-    row("platform_openFile", slotOf(&Platform::openFile), 2);
-    row("platform_files", slotOf(&Platform::getDirectFilesInDirectory), 3);
-    row("platform_subdirectories", slotOf(&Platform::getDirectSubdirectoriesInDirectory), 4);
-    row("platform_changed", slotOf(&Platform::directoryContentsChanged), 5);
-    row("platform_incomplete", slotOf(&OpenPlatform::listingIncomplete), 6);
 
-    row("logger_initialize", slotOf(&VLLogger::initialize), 2);
-}
-
-void tst_core::virtualOperationsKeepTheirOrder()
-{
-    QFETCH(const int, slot);
-    QTEST(slot, "expected");
+    const QList<int> ofType {
+        slotOf<Compare>(&Type::operator<),
+        slotOf<Compare>(&Type::operator<=),
+        slotOf<Compare>(&Type::operator>),
+        slotOf<Compare>(&Type::operator==),
+        slotOf<CompareRaw>(&Type::operator==),
+        slotOf<Compare>(&Type::operator!=),
+        slotOf<CompareRaw>(&Type::operator!=),
+        slotOf<Assign>(&Type::operator|=),
+        slotOf<AssignRaw>(&Type::operator|=),
+        slotOf<Assign>(&Type::operator&=),
+        slotOf<AssignRaw>(&Type::operator&=),
+        slotOf<Combine>(&Type::operator&),
+        slotOf<Combine>(&Type::operator|),
+        slotOf(&Type::reducedTo),
+        slotOf(&Type::isValid),
+        slotOf(&Type::fillTable),
+    };
+    const QList<int> ofPlatform {
+        slotOf(&Platform::openFile),
+        slotOf(&Platform::getDirectFilesInDirectory),
+        slotOf(&Platform::getDirectSubdirectoriesInDirectory),
+        slotOf(&Platform::directoryContentsChanged),
+        slotOf(&OpenPlatform::listingIncomplete),
+    };
+    for (const QList<int>& operations : { ofType, ofPlatform, { slotOf(&VLLogger::initialize) } }) {
+        for (qsizetype i = 0; i < operations.size(); ++i)
+            QCOMPARE(operations.at(i), i + 2);
+    }
 }
 
 void tst_core::eachSourceFileHasItsOwnComma()
