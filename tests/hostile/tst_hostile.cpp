@@ -16,14 +16,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr auto reportName = "vela.classification.results.html";
-
 QByteArray reportOf(const RawDirectory& tree)
 {
     const MessageRecorder recorder;
     const RecordingPlatform platform;
     VLFolioEventClassifier(QFileInfo(tree.path())).start();
-    return ReportText::fileContents(tree.path(reportName));
+    return ReportText::fileContents(tree.path(ReportText::reportName));
 }
 
 QByteArray everyAsciiByte()

@@ -35,8 +35,6 @@ static_assert(
 
 namespace {
 
-constexpr auto reportName = "vela.classification.results.html";
-
 Result resultOf(const QString& path, int type)
 {
     return { QFileInfo(path), static_cast<VLEventFolderTypeEnum>(type) };

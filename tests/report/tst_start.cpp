@@ -25,8 +25,6 @@ static_assert(
 
 namespace {
 
-constexpr auto reportName = "vela.classification.results.html";
-
 QString reportPathIn(const QString& root)
 {
     return root + u'/' + QLatin1StringView(reportName);

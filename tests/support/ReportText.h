@@ -8,6 +8,9 @@
 /// What a report must consist of, byte by byte.
 namespace ReportText {
 
+/// What a run calls its report.
+inline constexpr auto reportName = "vela.classification.results.html";
+
 /// The lines \a from to \a to, both included, of a report without results, which has 23. The rows
 /// stand between the lines 20 and 21.
 [[nodiscard]] inline QByteArray lines(qsizetype from, qsizetype to)

@@ -31,7 +31,7 @@ Result eventAt(const QString& path)
 
 QString reportOf(const QString& root)
 {
-    return root + u"/vela.classification.results.html"_s;
+    return root + u'/' + QLatin1StringView(ReportText::reportName);
 }
 
 /// A collection of its own for each thread. The number of the thread is in the year, so that
