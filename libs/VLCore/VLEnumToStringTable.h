@@ -29,7 +29,6 @@ class VL_TEMPLATE_EXPORT VLEnumToStringTable
 public:
     /// Makes an empty table: every name reads as the value 0, every value as the empty string.
     VLEnumToStringTable() = default;
-    /// Releases both directions. Virtual, as in every class of these libraries.
     virtual ~VLEnumToStringTable() = default;
     Q_DISABLE_COPY_MOVE(VLEnumToStringTable)
 

@@ -47,14 +47,7 @@ public:
     /// Makes the given value; any combination of flags is legal. Implicit on purpose: an
     /// enumerator can stand wherever a wrapper is asked for.
     VLEnumWrapper(E value) noexcept; // NOLINT(google-explicit-constructor)
-    /// \{
-    /// Copies or moves the value.
-    VLEnumWrapper(const VLEnumWrapper&) noexcept = default;
-    VLEnumWrapper(VLEnumWrapper&&) noexcept = default;
-    VLEnumWrapper& operator=(const VLEnumWrapper&) noexcept = default;
-    VLEnumWrapper& operator=(VLEnumWrapper&&) noexcept = default;
-    /// \}
-    /// Releases nothing.
+    VL_DEFAULT_COPY_MOVE(VLEnumWrapper)
     virtual ~VLEnumWrapper() = default;
 
     /// Signed comparison of the raw values.

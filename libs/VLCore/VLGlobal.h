@@ -20,3 +20,10 @@
 /// compiler emits such statics as weak symbols in every module that instantiates the template; only
 /// visible ones are merged by the dynamic linker.
 #define VL_TEMPLATE_EXPORT Q_DECL_EXPORT
+
+/// Lets objects of a class that declares a destructor be copied and moved, member by member.
+#define VL_DEFAULT_COPY_MOVE(Class)                                                                \
+    Class(const Class&) = default;                                                                 \
+    Class(Class&&) noexcept = default;                                                             \
+    Class& operator=(const Class&) = default;                                                      \
+    Class& operator=(Class&&) noexcept = default;

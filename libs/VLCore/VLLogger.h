@@ -20,7 +20,6 @@ class VLCORE_EXPORT VLLogger
 public:
     /// Makes a logger; it needs no set-up before initialize().
     VLLogger();
-    /// Never runs for the logger of the process, which lives as long as that does.
     virtual ~VLLogger();
     Q_DISABLE_COPY_MOVE(VLLogger)
 

@@ -26,7 +26,6 @@ class VLCORE_EXPORT VLPlatformIndependent
 public:
     /// Makes a service with the built-in behaviour. It is not used until setInstance() is called.
     VLPlatformIndependent();
-    /// Releases nothing. A service that is still set must be taken out before.
     virtual ~VLPlatformIndependent();
     Q_DISABLE_COPY_MOVE(VLPlatformIndependent)
 

@@ -23,7 +23,6 @@ public:
     /// Makes the expression of \a pattern, which is compiled by the first match(). An invalid
     /// pattern is no error here: it matches nothing, and Qt warns when it is used.
     VLRegularExpression(const QString& pattern, QFlags<QRegularExpression::PatternOption> options);
-    /// Releases the expression, then the lock. No thread may be in match().
     virtual ~VLRegularExpression() = default;
     Q_DISABLE_COPY_MOVE(VLRegularExpression)
 

@@ -21,7 +21,6 @@ class VL_TEMPLATE_EXPORT VLSingleton
 public:
     /// There are no objects of this class.
     VLSingleton() = delete;
-    /// Never runs.
     virtual ~VLSingleton() = default; // GCOV_EXCL_LINE: there are no objects
     Q_DISABLE_COPY_MOVE(VLSingleton)
 

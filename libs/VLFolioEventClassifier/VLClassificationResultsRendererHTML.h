@@ -38,16 +38,7 @@ public:
     VLClassificationResultsRendererHTML(
         const QList<VLEventFolderClassificationResult>& classificationResults, int prefixLength,
         const QStringList& fileNameFilters);
-    /// \{
-    /// A copy writes the same report.
-    VLClassificationResultsRendererHTML(const VLClassificationResultsRendererHTML&) = default;
-    VLClassificationResultsRendererHTML(VLClassificationResultsRendererHTML&&) noexcept = default;
-    VLClassificationResultsRendererHTML&
-    operator=(const VLClassificationResultsRendererHTML&) = default;
-    VLClassificationResultsRendererHTML&
-    operator=(VLClassificationResultsRendererHTML&&) noexcept = default;
-    /// \}
-    /// Touches no file.
+    VL_DEFAULT_COPY_MOVE(VLClassificationResultsRendererHTML)
     virtual ~VLClassificationResultsRendererHTML();
 
     /// True when the absolute path of \a first sorts before that of \a second, UTF-16 code unit by

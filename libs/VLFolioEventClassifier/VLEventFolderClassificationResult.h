@@ -30,16 +30,7 @@ public:
     /// Makes the result of \a directory, which need not exist, with no occasions.
     VLEventFolderClassificationResult(const QFileInfo& directory,
                                       const VLEventFolderType& classification);
-    /// \{
-    /// Copies or moves the three values.
-    VLEventFolderClassificationResult(const VLEventFolderClassificationResult&) = default;
-    VLEventFolderClassificationResult(VLEventFolderClassificationResult&&) noexcept = default;
-    VLEventFolderClassificationResult&
-    operator=(const VLEventFolderClassificationResult&) = default;
-    VLEventFolderClassificationResult&
-    operator=(VLEventFolderClassificationResult&&) noexcept = default;
-    /// \}
-    /// Releases the three values.
+    VL_DEFAULT_COPY_MOVE(VLEventFolderClassificationResult)
     virtual ~VLEventFolderClassificationResult();
 
     /// True when the types are the same number and QFileInfo's `operator==` says that the

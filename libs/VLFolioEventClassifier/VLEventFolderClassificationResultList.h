@@ -32,18 +32,7 @@ public:
     /// Makes a list of copies of \a results, with room for exactly these.
     VLEventFolderClassificationResultList(
         std::initializer_list<VLEventFolderClassificationResult> results);
-    /// \{
-    /// Copies or moves the list; a copy shares the elements until one of the two changes.
-    VLEventFolderClassificationResultList(const VLEventFolderClassificationResultList&) noexcept =
-        default;
-    VLEventFolderClassificationResultList(VLEventFolderClassificationResultList&&) noexcept =
-        default;
-    VLEventFolderClassificationResultList&
-    operator=(const VLEventFolderClassificationResultList&) = default;
-    VLEventFolderClassificationResultList&
-    operator=(VLEventFolderClassificationResultList&&) noexcept = default;
-    /// \}
-    /// Releases the results.
+    VL_DEFAULT_COPY_MOVE(VLEventFolderClassificationResultList)
     virtual ~VLEventFolderClassificationResultList();
 
     /// Returns copies of the results whose type is exactly \a type, in list order. A result that

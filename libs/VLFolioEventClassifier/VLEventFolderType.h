@@ -44,14 +44,7 @@ public:
     VLEventFolderType() noexcept = default;
     /// Makes the given type, or combination of types. Implicit on purpose.
     VLEventFolderType(VLEventFolderTypeEnum value) noexcept; // NOLINT(google-explicit-constructor)
-    /// \{
-    /// Copies or moves the type.
-    VLEventFolderType(const VLEventFolderType&) noexcept = default;
-    VLEventFolderType(VLEventFolderType&&) noexcept = default;
-    VLEventFolderType& operator=(const VLEventFolderType&) noexcept = default;
-    VLEventFolderType& operator=(VLEventFolderType&&) noexcept = default;
-    /// \}
-    /// Releases nothing.
+    VL_DEFAULT_COPY_MOVE(VLEventFolderType)
     ~VLEventFolderType() override;
 
     /// The name of this type in the shared table, for instance "Year"; empty for a combination of

@@ -54,7 +54,6 @@ public:
     VLFolioEventClassifier& operator=(const VLFolioEventClassifier& other);
     VLFolioEventClassifier& operator=(VLFolioEventClassifier&& other) noexcept = default;
     /// \}
-    /// Touches no file.
     virtual ~VLFolioEventClassifier();
 
     /// Does one whole run: logs "startClassifyEvent", walks the tree, writes the report

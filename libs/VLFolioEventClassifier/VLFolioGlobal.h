@@ -2,7 +2,7 @@
 
 /// \file
 
-#include <QtCore/qglobal.h>
+#include <VLCore/VLGlobal.h>
 
 /// \def VLFOLIOEVENTCLASSIFIER_EXPORT
 /// Marks what the library VLFolioEventClassifier exports when it is shared. Everything else stays

@@ -25,14 +25,7 @@ public:
     /// \param source what the occasion was derived from.
     /// \param confidence how sure it is, on a scale that is the caller's.
     VLOccasionInfo(const QString& occasion, const QString& source, double confidence);
-    /// \{
-    /// Copies or moves the record.
-    VLOccasionInfo(const VLOccasionInfo&) = default;
-    VLOccasionInfo(VLOccasionInfo&&) noexcept = default;
-    VLOccasionInfo& operator=(const VLOccasionInfo&) = default;
-    VLOccasionInfo& operator=(VLOccasionInfo&&) noexcept = default;
-    /// \}
-    /// Releases the two strings.
+    VL_DEFAULT_COPY_MOVE(VLOccasionInfo)
     virtual ~VLOccasionInfo();
 
     /// Name of the occasion.

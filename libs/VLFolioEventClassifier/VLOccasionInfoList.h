@@ -26,14 +26,7 @@ class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfoList : public QList<VLOccasion
 public:
     /// Makes an empty list.
     VLOccasionInfoList() noexcept = default;
-    /// \{
-    /// Copies or moves the list; a copy shares the records until one of the two changes.
-    VLOccasionInfoList(const VLOccasionInfoList&) noexcept = default;
-    VLOccasionInfoList(VLOccasionInfoList&&) noexcept = default;
-    VLOccasionInfoList& operator=(const VLOccasionInfoList&) = default;
-    VLOccasionInfoList& operator=(VLOccasionInfoList&&) noexcept = default;
-    /// \}
-    /// Releases the records.
+    VL_DEFAULT_COPY_MOVE(VLOccasionInfoList)
     virtual ~VLOccasionInfoList();
 
     /// The occasions of all records, in list order.
