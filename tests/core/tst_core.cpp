@@ -21,6 +21,7 @@
 #include <limits>
 #include <stdexcept>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -95,6 +96,16 @@ struct Slow
     static inline std::atomic<int> initialized { 0 };
 };
 
+/// Is made at once; there are many of them, since few races are close.
+template <int Number>
+struct Quick
+{
+    Quick() { ++made; }
+    void initialize() { }
+
+    static inline std::atomic<int> made { 0 };
+};
+
 template <int Number>
 void raceForSlowInstance()
 {
@@ -111,6 +122,13 @@ void raceForSlowInstance()
     QVERIFY(instances.front() != nullptr);
     QCOMPARE(instances, std::vector<const void*>(threads, instances.front()));
     QCOMPARE(ready.load(), threads);
+}
+
+template <int... Numbers>
+void raceForQuickInstances(std::integer_sequence<int, Numbers...> numbers)
+{
+    (runTogether(4, [](int) { Q_UNUSED(VLSingleton<Quick<Numbers>>::instance()) }), ...);
+    QCOMPARE((Quick<Numbers>::made.load() + ...), int(numbers.size()));
 }
 
 /// What a host's own static object finds that was made before main(), and so is destroyed after
@@ -232,6 +250,7 @@ private Q_SLOTS:
 
     void singletonIsMadeAndInitializedOnce();
     void singletonIsReadyForAllThreads();
+    void singletonIsMadeOnceInCloseRaces();
     void singletonWhoseConstructorFailedIsTriedAgain();
     void singletonIsPublishedBeforeItIsInitialized();
     void sharedObjectsOutliveStaticObjects();
@@ -320,6 +339,12 @@ void tst_core::singletonIsReadyForAllThreads()
     raceForSlowInstance<1>();
     raceForSlowInstance<2>();
     raceForSlowInstance<3>();
+}
+
+// Of two threads that have both found no instance, the second one looks again under the lock.
+void tst_core::singletonIsMadeOnceInCloseRaces()
+{
+    raceForQuickInstances(std::make_integer_sequence<int, 200>());
 }
 
 void tst_core::singletonWhoseConstructorFailedIsTriedAgain()
