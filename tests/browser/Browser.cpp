@@ -59,7 +59,7 @@ QByteArray outputOfProgram(const QStringList& arguments)
 
 QString makeSample(const RawDirectory& tree)
 {
-    const QString sample = tree.path("Pictures");
+    QString sample = tree.path("Pictures");
     if (QProcess::execute(QStringLiteral(VLFOLIO_MAKE_SAMPLE), { sample }) != 0)
         qFatal("The sample cannot be made");
     return sample;

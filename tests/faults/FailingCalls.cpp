@@ -240,11 +240,13 @@ long vlFailingCallCount()
 
 // A function, its parameters and the arguments for the one of the same name that stands behind, the
 // call that fails, and what it is about: a descriptor, or a path that begins there.
+// NOLINTBEGIN(bugprone-macro-parentheses)
 #define FAILING(name, parameters, arguments, call, ...)                                            \
     int name parameters                                                                            \
     {                                                                                              \
         return fails(call, __VA_ARGS__) ? -1 : original<decltype(&name)>(#name) arguments;         \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 #define FAILING_OPEN(name)                                                                         \
     int name(const char* path, int flags, ...)                                                     \
     {                                                                                              \
