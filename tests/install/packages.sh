@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # What cpack makes: the archive holds every file of every package, and works where it is unpacked;
-# each Debian package holds and depends on what it must, and the program, and whoever builds with the
-# libraries, need nothing else of this project.
+# each Debian package holds and depends on what it must, and the program needs nothing else of this
+# project. scripts/test-packages uses them.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 archives=$WORK/archives
@@ -54,18 +54,4 @@ expect "what the packages say they hold" "$(printf '%s\n' \
     "Classifier of the folders of picture collections "{'(development)','(libraries)','(program)'})" \
     "$descriptions"
 
-soname() {
-    readelf --dynamic "$1" | sed -n 's/.*(SONAME).*\[\(.*\)\]/\1/p'
-}
-
-libraries=$root/usr/$LIBDIR
-for library in VLCore VLFolioEventClassifier; do
-    expect "the name of lib$library" "lib$library.so.1" "$(soname "$libraries/lib$library.so")"
-    for link in .so .so.1; do
-        expect "what lib$library$link leads to" "$libraries/lib$library.so.1.0.0" \
-            "$(realpath "$libraries/lib$library$link")"
-    done
-done
-
 expect_program "$root/usr/bin/vlfolio-classify"
-build_consumer from_packages -DCMAKE_PREFIX_PATH="$root/usr"
