@@ -1,12 +1,12 @@
 include(GNUInstallDirs)
 include(VLRunPath)
 
-# vl_add_library(NAME SOURCES ... HEADERS ... PUBLIC_LIBRARIES ...)
+# vl_add_library(NAME SOURCES ... HEADERS ... PUBLIC_LIBRARIES ... [RUN_PATH ...])
 #
 # One of the project's two libraries: hidden symbols, the project's own version, and headers that
 # are reached as <NAME/Header.h> and as <Header.h>, in the build tree and installed.
 function(vl_add_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;HEADERS;PUBLIC_LIBRARIES")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "RUN_PATH" "SOURCES;HEADERS;PUBLIC_LIBRARIES")
 
     add_library(${name} ${arg_SOURCES})
     add_library(VLFolioEventClassifier::${name} ALIAS ${name})
@@ -40,10 +40,5 @@ function(vl_add_library name)
     if(PROJECT_IS_TOP_LEVEL)
         vl_precompile(${name} ${name})
     endif()
-    # VLCore needs nothing beside it.
-    if(arg_PUBLIC_LIBRARIES MATCHES "VLCore")
-        vl_set_run_path(${name} "")
-    else()
-        vl_place_in_build_tree(${name})
-    endif()
+    vl_set_run_path(${name} "${arg_RUN_PATH}")
 endfunction()
