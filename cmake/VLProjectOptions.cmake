@@ -25,10 +25,12 @@ target_compile_definitions(VLProjectOptions INTERFACE
 )
 
 # Most of the compiler's time goes into Qt's headers. They are compiled once for the targets of a group,
-# all of which are compiled with the same options.
+# all of which are compiled with the same options; or for many source files at once in a unity build.
 function(vl_precompile target group)
     get_property(first GLOBAL PROPERTY VL_PRECOMPILED_${group})
-    if(first)
+    if(CMAKE_UNITY_BUILD)
+        return()
+    elseif(first)
         target_precompile_headers(${target} REUSE_FROM ${first})
         return()
     endif()

@@ -16,7 +16,7 @@ build_libraries() {
     cmake --fresh -S "$source" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
         -DCMAKE_CXX_COMPILER="$compiler" \
         -DCMAKE_CXX_FLAGS="-g $own_types '-fdebug-prefix-map=$source/='" \
-        -DBUILD_SHARED_LIBS=ON -DCMAKE_DISABLE_PRECOMPILE_HEADERS=ON \
+        -DBUILD_SHARED_LIBS=ON \
         -DVLFOLIO_BUILD_{APPS,EXAMPLES,TESTS}=OFF &&
         cmake --build "$work/build"
 }
