@@ -376,7 +376,7 @@ void tst_core::sharedObjectsOutliveStaticObjects()
     Q_UNUSED(VLSingleton<Counted>::instance())
     Q_UNUSED(VLSingleton<VLLogger>::instance())
     const auto& names =
-        OpenTable<VLEventFolderTypeEnum>::namesOf(*VLEventFolderType().enumToStringTable());
+        TableMaps<VLEventFolderTypeEnum>::namesOf(*VLEventFolderType().enumToStringTable());
     QCOMPARE(names.size(), 7);
     lastToGo.watch(names);
 }

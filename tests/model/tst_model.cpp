@@ -208,8 +208,8 @@ void tst_model::tableOfTypesHoldsSevenNamesBothWays()
 {
     const auto* const shared = type(18).enumToStringTable();
     QCOMPARE(VLEventFolderType().enumToStringTable(), shared);
-    QCOMPARE(Table::namesOf(*shared), sevenNames());
-    QCOMPARE(Table::valuesOf(*shared), sevenValues());
+    QCOMPARE(TableMaps<Type>::namesOf(*shared), sevenNames());
+    QCOMPARE(TableMaps<Type>::valuesOf(*shared), sevenValues());
     QCOMPARE(shared->valueFor(u"PROJECTFOLDER"_s), Type::ProjectFolder);
     QCOMPARE(shared->valueFor(u"Holiday"_s), Type::Unknown);
 

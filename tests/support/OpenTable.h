@@ -5,7 +5,22 @@
 #include <QtCore/QHash>
 #include <QtCore/QString>
 
-/// Shows the members of a table of names, which only derived classes see.
+/// Shows the maps of any table of names, which only derived classes see.
+template <typename E>
+class TableMaps : public VLEnumToStringTable<E>
+{
+public:
+    [[nodiscard]] static const QHash<QString, E>& namesOf(const VLEnumToStringTable<E>& table)
+    {
+        return table.*(&TableMaps::nameToValue);
+    }
+    [[nodiscard]] static const QHash<E, QString>& valuesOf(const VLEnumToStringTable<E>& table)
+    {
+        return table.*(&TableMaps::valueToName);
+    }
+};
+
+/// A table of names that shows its own members.
 template <typename E>
 class OpenTable : public VLEnumToStringTable<E>
 {
@@ -15,13 +30,4 @@ public:
     using Table::fallbackValue;
     using Table::nameToValue;
     using Table::valueToName;
-
-    [[nodiscard]] static const QHash<QString, E>& namesOf(const Table& table)
-    {
-        return table.*(&OpenTable::nameToValue);
-    }
-    [[nodiscard]] static const QHash<E, QString>& valuesOf(const Table& table)
-    {
-        return table.*(&OpenTable::valueToName);
-    }
 };
