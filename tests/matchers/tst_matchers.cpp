@@ -213,6 +213,7 @@ QList<TypeRow> monthRows()
         { "padded_one", u"01"_s, Type::Month },
         { "padded_seven", u"07"_s, Type::Month },
         { "padded_nine", u"09"_s, Type::Month },
+        { "padded_ten", u"010"_s, Type::Unknown },
         { "padded_twice", u"007"_s, Type::Unknown },
         { "number_and_blank", u"08 "_s, Type::Unknown },
         { "number_and_text", u"08 Beach"_s, Type::Unknown },
