@@ -244,6 +244,7 @@ QList<TypeRow> otherRows()
         { "year_within_text", u"Summer 2019 trip"_s, Type::Year },
         { "year_within_digits", u"12345"_s, Type::Year },
         { "first_year", u"2000"_s, Type::Year },
+        { "last_year", u"2999"_s, Type::Year },
         { "year_before_2000", u"1999"_s, Type::Unknown },
         { "year_of_a_range", u"1999-2000"_s, Type::Year },
         { "year_3000", u"3000"_s, Type::Unknown },
