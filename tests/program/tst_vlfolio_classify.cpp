@@ -219,6 +219,8 @@ void tst_vlfolio_classify::hasRowsOfStart_data()
     add("a_link_to_a_file_was_there", "pics", "ln -s {}/elsewhere $report");
     add("a_link_to_nothing_was_there", "pics", "ln -s {}/nothing $report");
     add("a_link_to_a_folder_was_there", "pics", "ln -s {}/folder $report");
+    add("report_of_several_pieces", "pics",
+        "for i in $(seq 100); do mkdir -p pics/$i$(printf %0200d $i); done");
     add("root_is_a_link", "link", "");
     add("empty_folder", "pics/B", "");
     add("root_is_seen_twice", "c", "touch c/1.jpg; ln -sfn .. c/b/again");
