@@ -22,7 +22,7 @@
 ///
 /// Threads: any number of readers, or one writer.
 ///
-/// \tparam E an enumeration whose enumerator for "nothing" is 0; anything that std::hash accepts.
+/// \tparam E an enumeration in which 0 stands for "nothing".
 template <typename E>
 class VL_TEMPLATE_EXPORT VLEnumToStringTable
 {

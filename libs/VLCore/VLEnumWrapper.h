@@ -27,11 +27,11 @@
 /// ColourType(Colour::Red).enumToStringTable()->nameFor(Colour::Red);
 /// \endcode
 ///
-/// Every comparison is on the number: a value that holds a flag among others is not equal to that
-/// flag. There is no `operator>=`; write `!(a < b)`. The order of the virtual operations is part
-/// of the binary interface.
+/// Every comparison is of the numbers: a value that holds a flag among others is not equal to that
+/// flag. There is no `operator>=`; write `!(a < b)`. The order of the virtual functions is part of
+/// the binary interface.
 ///
-/// Threads: a plain value. One object that is changed while another thread reads it needs a lock;
+/// Threads: a plain value. An object that one thread changes while another reads it needs a lock;
 /// enumToStringTable() needs none.
 ///
 /// \tparam E an enumeration with a signed 32-bit underlying type.
@@ -44,8 +44,8 @@ class VL_TEMPLATE_EXPORT VLEnumWrapper
 public:
     /// Makes the value 0.
     VLEnumWrapper() noexcept = default;
-    /// Makes the given value; any combination of flags is legal. Implicit on purpose: an
-    /// enumerator can stand wherever a wrapper is asked for.
+    /// Makes the given value; any combination of flags is legal. Implicit on purpose, so that an
+    /// enumerator can be passed wherever a wrapper is expected.
     VLEnumWrapper(E value) noexcept; // NOLINT(google-explicit-constructor)
     VL_DEFAULT_COPY_MOVE(VLEnumWrapper)
     virtual ~VLEnumWrapper() = default;
@@ -80,8 +80,8 @@ public:
     [[nodiscard]] virtual E reducedTo(E mask) const;
     /// True for every value but 0.
     [[nodiscard]] virtual bool isValid() const;
-    /// Puts the names of all values into \a table, which is empty. Called once per process, with
-    /// the lock of enumToStringTable() held: it must not call that.
+    /// Inserts the names of all values into \a table, which is empty. Called once per process, with
+    /// the lock of enumToStringTable() held, which it therefore must not call.
     virtual void fillTable(VLEnumToStringTable<E>* table) const = 0;
 
     /// The raw value.
@@ -89,8 +89,8 @@ public:
 
     /// Returns the table of names, which all objects of the process share. The first call makes
     /// it, with fillTable() of the object on which it was called; it is never freed and never
-    /// changes, so the pointer may be kept. May be called from any thread. Should the table not be
-    /// completed (std::bad_alloc), nothing is left behind and the next call tries again.
+    /// changes, so the pointer may be kept. May be called from any thread. If filling the table
+    /// throws (std::bad_alloc), nothing is left behind and the next call tries again.
     [[nodiscard]] VLEnumToStringTable<E>* enumToStringTable() const;
 
 private:
@@ -219,7 +219,8 @@ VLEnumToStringTable<E>* VLEnumWrapper<E>::enumToStringTable() const
     if (myTable.loadRelaxed() == nullptr) {
         auto table = std::make_unique<VLEnumToStringTable<E>>();
         fillTable(table.get());
-        // Published only when it is full: whoever sees the pointer without the lock sees all names.
+        // The pointer is stored last, so that a thread that reads it without the lock finds the
+        // table complete.
         myTable.storeRelease(table.release());
     }
     return myTable.loadRelaxed();

@@ -6,7 +6,7 @@
 
 /// \def VLCORE_EXPORT
 /// Marks what the library VLCore exports when it is shared. Everything else stays hidden; a static
-/// build (VL_STATIC) needs no marks at all.
+/// build (VL_STATIC) needs no marks.
 
 #if defined(VL_STATIC)
 #    define VLCORE_EXPORT
@@ -21,7 +21,8 @@
 /// visible ones are merged by the dynamic linker.
 #define VL_TEMPLATE_EXPORT Q_DECL_EXPORT
 
-/// Lets objects of a class that declares a destructor be copied and moved, member by member.
+/// Gives a class that declares a destructor the copy and move operations that the compiler would
+/// otherwise generate.
 #define VL_DEFAULT_COPY_MOVE(Class)                                                                \
     Class(const Class&) = default;                                                                 \
     Class(Class&&) noexcept = default;                                                             \

@@ -2,6 +2,5 @@
 
 #include <QtCore/QString>
 
-/// A comma, the separator of joined texts. Every source file of the libraries has a constant of its
-/// own.
+/// A comma. Every source file of the libraries has this constant for itself.
 [[maybe_unused]] const QString KOMMA(QStringLiteral(",")); // clazy:exclude=non-pod-global-static

@@ -20,7 +20,7 @@ void VLLogger::initialize() { }
 
 void VLLogger::logFolioService(const QString& message)
 {
-    // No debug stream, whose destructor may not fail when memory is short.
+    // A debug stream is not used, because its destructor must not throw, but allocates memory.
     if (folioService().isInfoEnabled()) {
         const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
                                          folioService().categoryName());

@@ -7,8 +7,8 @@
 
 #include <QtCore/QString>
 
-/// Service log of the application. There is one logger per process, which
-/// `VLSingleton<VLLogger>::instance()` returns.
+/// Service log of the application. `VLSingleton<VLLogger>::instance()` returns the one logger of
+/// the process.
 ///
 /// Messages go to the Qt logging category `vl.folio.service`, so a host directs or silences them
 /// with Qt's own means: qInstallMessageHandler(), QLoggingCategory::setFilterRules() or the
@@ -23,15 +23,15 @@ public:
     virtual ~VLLogger();
     Q_DISABLE_COPY_MOVE(VLLogger)
 
-    /// One-time set-up, which VLSingleton calls right after it made the logger and before anybody
-    /// else can use it. Qt's categories need none, so this one does nothing.
+    /// Called once by VLSingleton, right after it has made the logger and before anybody else can
+    /// use it. Does nothing, since Qt's logging categories need no set-up.
     virtual void initialize();
 
-    /// Records \a message as it stands, without quotes or escapes, at the level QtInfoMsg. An
-    /// empty message is recorded, too.
+    /// Logs \a message as it stands, without quotes or escapes, at the level QtInfoMsg. An empty
+    /// message is logged, too.
     void logFolioService(const QString& message);
 };
 
-// Instantiated once, in the core library: with RTLD_LOCAL a module opened at run time might
-// otherwise keep a logger of its own.
+// Instantiated in the core library alone. Otherwise, a module that is opened with RTLD_LOCAL might
+// have a logger of its own.
 extern template class VLSingleton<VLLogger>;

@@ -22,8 +22,9 @@ int openDirectory(const QByteArray& path)
 
 } // namespace
 
-// The "." in a directory is found only where the directory may be searched, so that opening it
-// tells that with no further call. The longest path that the system takes has no room for it.
+// Resolving "." in a directory takes the permission to search it, so that opening "path/." shows
+// without a further call whether the directory is searchable. A path of the greatest length that
+// the system allows has no room for it.
 VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
     : m_descriptor(openDirectory(path + "/."))
     , m_error(isOpen() ? 0 : errno)
@@ -54,7 +55,7 @@ void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemErr
 
 void VLPlatform::addNotOpened(Listing& listing, const OpenDirectory& directory)
 {
-    // A link to a pipe is listed as a directory, and has nothing in it.
+    // A symlink to a pipe is listed like a directory, and has nothing in it.
     if (directory.error() != ENOTDIR)
         addProblem(listing, ListingProblem::Unreadable, directory.error());
 }

@@ -23,12 +23,13 @@ VLPlatformIndependent* builtInService()
 VLPlatform::Listing listingOf(const QDir& directory, VLPlatform::Wanted wanted)
 {
     const QString path = directory.path();
-    // The system would take it for a directory above, and a walk would never end.
+    // The system would end the path at the null character and list a directory above, so that a
+    // walk would never end.
     if (path.contains(QChar(0)))
         return {};
     if (QFileInfo(path).isNativePath())
         return VLPlatform::listing(path, wanted);
-    // Only Qt can list what a file engine presents, resources for instance.
+    // Only Qt can list what a file engine provides, such as resources.
     return { VLPlatform::namesListedByQt(path, wanted), {} };
 }
 
@@ -56,7 +57,7 @@ bool VLPlatformIndependent::openFile(const QString& path, const QStringList& arg
     // An absolute path cannot be mistaken for an option of the program.
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
     const auto command = VLPlatform::openCommand(absolutePath, arguments, application);
-    // A caller that reads this process's output must not wait for the application, too.
+    // Whoever reads the output of this process must not have to wait for the application to end.
     QProcess process;
     process.setProgram(command.program);
     process.setArguments(command.arguments);

@@ -8,9 +8,9 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// What the libraries need of the desktop and its file system. instance() is the one service of
-/// the process; a host that wants another behaviour derives from this class and puts its own
-/// service in.
+/// What the libraries need from the desktop and the file system. instance() is the one service of
+/// the process; a host that needs other behaviour derives a service of its own from this class and
+/// passes it to setInstance().
 ///
 /// \code
 /// class QuietPlatform : public VLPlatformIndependent
@@ -33,75 +33,76 @@ public:
     /// service, which lives until the process ends. May be called from any thread.
     [[nodiscard]] static VLPlatformIndependent* instance();
 
-    /// Puts \a service in the place of the present one; nullptr puts the built-in one back. The
-    /// service stays the caller's, who keeps it alive until it has been replaced and no thread
-    /// uses it any more. Safe while other threads call instance(): they get the old service or the
-    /// new one.
+    /// Replaces the service in use by \a service, or by the built-in one if that is nullptr. The
+    /// caller keeps the ownership, and has to keep the service alive until it has been replaced and
+    /// no thread uses it any more. May be called while other threads call instance(), which returns
+    /// the old service or the new one.
     static void setInstance(VLPlatformIndependent* service);
 
-    /// Opens a file in an application that goes on by itself, with none of this process's standard
+    /// Opens a file in an application that runs detached from this process, without its standard
     /// streams, and returns without waiting for it.
     ///
-    /// \param path the file; a relative one is taken from the current working directory.
-    /// \param arguments handed to \a application ahead of the file (on macOS behind
-    ///     `--args`). The desktop's own choice takes none, so they count only with an application.
-    /// \param application program name or path (on macOS also an application's name), or empty
-    ///     for the application that the desktop has chosen for such files.
-    /// \return true when the program was started, which does not say that it could show the file;
-    ///     false, after one warning that names the file, when it could not be started.
+    /// \param path the file; a relative path is relative to the current working directory.
+    /// \param arguments passed to \a application ahead of the file (on macOS behind `--args`).
+    ///     They are ignored if \a application is empty.
+    /// \param application the name or path of a program (on macOS also the name of an
+    ///     application), or empty for the application that the desktop uses for such files.
+    /// \return true if the program was started, which does not mean that it could show the file;
+    ///     false, after one warning that names the file, if it could not be started.
     virtual bool openFile(const QString& path, const QStringList& arguments,
                           const QString& application);
 
-    /// Why a listing lacks something.
+    /// Why a listing is incomplete.
     enum class ListingProblem {
-        /// The directory could not be opened, or not be read to its end.
+        /// The directory could not be opened, or could not be read to its end.
         Unreadable,
-        /// The directory could be read, but nothing in it can be entered or asked about.
+        /// The directory could be read, but not searched: nothing in it can be accessed.
         Unsearchable,
-        /// The system could not tell what an entry is, or what a link leads to.
+        /// The system could not tell the file type of an entry, or of a symlink's target.
         UnknownEntry,
-        /// The name of a folder in it is not UTF-8, so that no QString can hold it.
+        /// The name of a folder in it is not valid UTF-8, so that no QString can hold it.
         UndecodableName,
     };
 
     /// Returns the names of the regular files directly inside \a directory, in no particular
-    /// order. Links to regular files count, as do files that cannot be read and, with the bytes
-    /// that are not UTF-8 replaced, files whose names are not. Hidden files, directories, dangling
-    /// links, pipes, sockets and devices are left out.
+    /// order. Symlinks to regular files are included, as are files that cannot be read. Invalid
+    /// UTF-8 in a name is replaced. Hidden files, directories, dangling symlinks, pipes, sockets
+    /// and devices are left out.
     ///
-    /// The report asks for them once for each folder, to count them. Of \a directory only the path
-    /// is used, not its filters. What could not be read is missing, and listingIncomplete() says
-    /// so; what is no directory has no files. Throws std::bad_alloc where the system lacks memory.
+    /// The report calls this once for each folder, to count the files. Of \a directory only the
+    /// path is used, not its filters. What could not be read is missing, and listingIncomplete() is
+    /// called for it; the list is empty if \a directory is no directory. Throws std::bad_alloc if
+    /// the system is out of memory.
     [[nodiscard]] virtual QStringList getDirectFilesInDirectory(const QDir& directory) const;
 
-    /// Returns the names of the folders directly inside \a directory, in no particular order: those
-    /// of the entries that QDir lists for QDir::Dirs and QDir::NoDotAndDotDot. These are
-    /// directories and links to anything but regular files. Hidden folders are left out, as are
-    /// folders whose names are not UTF-8, which listingIncomplete() tells. In contrast to QDir,
-    /// such a name never hides another folder, and a byte order mark at the start of a name stays a
-    /// part of it.
+    /// Returns the names of the folders directly inside \a directory, in no particular order. These
+    /// are the entries that QDir lists for QDir::Dirs and QDir::NoDotAndDotDot: directories, and
+    /// symlinks to anything but regular files. Hidden folders are left out, as are folders whose
+    /// names are not valid UTF-8, for which listingIncomplete() is called. Unlike with QDir, such a
+    /// name never hides another folder, and a byte order mark at the start of a name remains part
+    /// of it.
     ///
-    /// The walk asks for them once for each folder, on the thread that walks, and sorts them. So a
-    /// host that overrides this can show how far a walk is by counting the calls, leave folders and
-    /// everything below them out by returning fewer names, and end a walk early by returning no
-    /// names from then on. Otherwise as getDirectFilesInDirectory().
+    /// The walk calls this once for each folder, on its own thread, and sorts the names. A host
+    /// that overrides it can therefore show the progress of a walk by counting the calls, leave out
+    /// folders and everything below them by returning fewer names, and end a walk early by
+    /// returning no names from then on. In all else as getDirectFilesInDirectory().
     [[nodiscard]] virtual QStringList
     getDirectSubdirectoriesInDirectory(const QDir& directory) const;
 
-    /// Called when files of \a directory were replaced, so that a host can refresh what it shows.
+    /// Called after files in \a directory were replaced, so that a host can refresh what it shows.
     /// The built-in service does nothing.
     virtual void directoryContentsChanged(const QDir& directory);
 
 protected:
-    /// Called by both built-in listings when they leave something of \a directory out, so that a
-    /// host can tell its user. One call of a listing calls it at most once for each pair of
-    /// \a problem and \a systemError; the two listings of a directory may tell the same. The
-    /// built-in service does nothing.
+    /// Called by both built-in listings when a listing of \a directory is incomplete, so that a
+    /// host can tell its user. Each listing calls it at most once for each pair of \a problem and
+    /// \a systemError; the two listings of a directory may report the same. The built-in service
+    /// does nothing.
     ///
     /// \param directory the directory that was listed.
-    /// \param problem what is missing.
-    /// \param systemError the system's reason as an errno value, for which qt_error_string() has a
-    ///     text; 0 where the system gave none.
+    /// \param problem why the listing is incomplete.
+    /// \param systemError the system's error number (errno), for which qt_error_string() has a
+    ///     text; 0 if the system gave none.
     virtual void listingIncomplete(const QDir& directory, ListingProblem problem,
                                    int systemError) const;
 };

@@ -19,7 +19,7 @@ using ListingProblem = VLPlatformIndependent::ListingProblem;
 
 namespace {
 
-/// The type of a file as the bits of S_IFMT, or why it cannot be told.
+/// A file type, as in st_mode, or the error number if it could not be found out.
 struct FileType
 {
     mode_t type = 0;
@@ -31,7 +31,7 @@ FileType fileTypeFrom(int result, const struct stat& status)
     return result == 0 ? FileType { status.st_mode & S_IFMT, 0 } : FileType { 0, errno };
 }
 
-// Most file systems tell the file type of an entry with its name.
+// Most file systems return the file type of an entry along with its name.
 FileType fileTypeOf(int directory, const dirent64& entry)
 {
     if (entry.d_type != DT_UNKNOWN)
@@ -41,12 +41,12 @@ FileType fileTypeOf(int directory, const dirent64& entry)
 }
 
 // File type of the symlink's target. stat() by full path, not fstatat(): the kernel's limit of 40
-// links counts per path, so that a cycle ends where QDir's does.
+// symlinks counts per path, so that a cycle ends where it does with QDir.
 FileType targetTypeOf(const QByteArray& directoryPath, const dirent64& entry)
 {
-    const QByteArray link = directoryPath + '/' + entry.d_name;
+    const QByteArray path = directoryPath + '/' + entry.d_name;
     struct stat status = {};
-    return fileTypeFrom(::stat(link.constData(), &status), status);
+    return fileTypeFrom(::stat(path.constData(), &status), status);
 }
 
 bool isAscii(QByteArrayView name)
@@ -55,10 +55,10 @@ bool isAscii(QByteArrayView name)
                        [](char unit) { return static_cast<unsigned char>(unit) < 0x80; });
 }
 
-// A byte order mark in front is part of the name; QFile::decodeName() would drop it.
+// QFile::decodeName() is not used, because it drops a byte order mark at the start of a name.
 QString decoded(QByteArrayView name)
 {
-    // Nearly all names are ASCII and need no decoder.
+    // Most names are ASCII, for which the decoder is not needed.
     if (isAscii(name))
         return QString::fromLatin1(name);
     QStringDecoder decode(QStringDecoder::Utf8,
@@ -67,13 +67,13 @@ QString decoded(QByteArrayView name)
     return decode(name);
 }
 
-// Decoding replaces invalid UTF-8, so that encoding again does not give the same bytes.
+// Decoding replaces invalid UTF-8, so that encoding the result gives other bytes.
 bool isUndecodable(QByteArrayView name, const QString& decoded)
 {
     return decoded.contains(QChar::ReplacementCharacter) && decoded.toUtf8() != name;
 }
 
-/// One directory being read.
+/// Reads the entries of one open directory.
 class Reader
 {
 public:
@@ -85,10 +85,10 @@ public:
     {
     }
 
-    // Not readdir(), which takes the error ENOENT for the end of the directory.
+    // readdir() is not used, because it takes the error ENOENT for the end of the directory.
     void readAll()
     {
-        // Not initialized: the system writes what is read.
+        // The buffer is not initialized, because only what the system has written is read.
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
         alignas(dirent64) std::array<char, size_t(16) * 1024> buffer;
         ssize_t used = 0;
@@ -96,8 +96,8 @@ public:
             addEntries(buffer.data(), used);
         if (used < 0)
             VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
-        // A directory that cannot be searched loses nothing as long as nothing had to be asked
-        // about its entries and no folder in it is to be entered.
+        // The listing of a directory that cannot be searched is complete if all file types came
+        // with the names and there is no folder in it to be entered.
         if (!listing.problems.isEmpty() || (!m_wantsFiles && !listing.names.isEmpty()))
             VLPlatform::addIfUnsearchable(listing, m_directory);
     }
@@ -107,7 +107,7 @@ public:
 private:
     void addEntries(const char* entries, ssize_t size)
     {
-        // Nearly all entries are files, and each takes 32 bytes or more.
+        // In folders of pictures nearly all entries are files, and most take 32 bytes or more.
         if (m_wantsFiles && listing.names.isEmpty())
             listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {
@@ -122,22 +122,22 @@ private:
     bool isWanted(const dirent64& entry)
     {
         FileType found = fileTypeOf(m_directory.descriptor(), entry);
-        const bool isLink = found.type == S_IFLNK;
-        if (isLink)
+        const bool isSymlink = found.type == S_IFLNK;
+        if (isSymlink)
             found = targetTypeOf(m_path, entry);
         if (found.error != 0) {
-            tellUnknown(found.error);
+            addUnknownEntry(found.error);
             return false;
         }
         if (m_wantsFiles)
             return found.type == S_IFREG;
-        // QDir takes every link for a directory that leads to something else than a file.
-        return isLink ? found.type != S_IFREG : found.type == S_IFDIR;
+        // QDir lists a symlink to anything but a regular file as a directory.
+        return isSymlink ? found.type != S_IFREG : found.type == S_IFDIR;
     }
 
-    void tellUnknown(int error)
+    void addUnknownEntry(int error)
     {
-        // A dangling link, the end of a circle of links and a removed entry hide nothing.
+        // A dangling symlink, a cycle of symlinks and a removed entry hide no folder and no file.
         if (error != ENOENT && error != ENOTDIR && error != ELOOP)
             VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, error);
     }

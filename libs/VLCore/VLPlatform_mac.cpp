@@ -16,8 +16,8 @@ VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringLi
     return { u"open"_s, all };
 }
 
-// An entry is hidden here by its name or by a flag of the file system, which Qt knows how to read.
-// Qt does not tell why it lists nothing; opening the directory does.
+// On macOS an entry is hidden by its name or by a flag of the file system, which Qt knows how to
+// read. The directory is opened as well, because Qt does not report why it lists nothing.
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
     Listing listing;

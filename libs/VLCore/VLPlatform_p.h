@@ -7,55 +7,55 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// What differs from one platform to the next, and what the platforms share for that. One source
-/// file per platform defines openCommand() and listing().
+/// What differs between the platforms, and what they share. One source file per platform defines
+/// openCommand() and listing().
 namespace VLPlatform {
 
-/// A program and what it is started with.
+/// A program and its arguments.
 struct Command
 {
     /// Name or path of the program.
     QString program;
-    /// Its arguments, in order.
     QStringList arguments;
 };
 
-/// The command that shows the file at the absolute path \a path in \a application, or, where that
-/// is empty, in the application that the desktop has chosen.
+/// Returns the command that opens the file at the absolute path \a path in \a application or, if
+/// that is empty, in the application that the desktop uses for such files.
 [[nodiscard]] Command openCommand(const QString& path, const QStringList& arguments,
                                   const QString& application);
 
-/// Why a listing lacks something.
+/// Why a listing is incomplete.
 struct Problem
 {
     VLPlatformIndependent::ListingProblem kind;
-    /// The system's error number (errno), 0 where it gave none.
+    /// The system's error number (errno), or 0 if it gave none.
     int systemError;
 };
 
-/// What stands directly inside a directory, in no particular order.
+/// The entries directly inside a directory, in no particular order.
 struct Listing
 {
     QStringList names;
-    /// Each problem with each error once.
+    /// Each pair of a problem and an error number is in the list once.
     QList<Problem> problems;
 };
 
-/// What to look for; hidden entries are left out.
+/// Which entries are listed. Hidden ones never are.
 enum class Wanted {
-    /// Regular files and links to such. In names that are not UTF-8, invalid bytes are replaced.
+    /// Regular files and symlinks to them. Invalid UTF-8 in their names is replaced.
     Files,
-    /// Directories and links to anything but regular files, as QDir::Dirs has them. Those whose
-    /// names are not UTF-8 are left out: no QString leads to them.
+    /// Directories and symlinks to anything but regular files, as with QDir::Dirs. Those whose
+    /// names
+    /// are not valid UTF-8 are left out, because no QString can hold the path to them.
     Directories,
 };
 
-/// Reads the directory at \a path, which no file engine stands behind. What is no directory has
-/// nothing in it. Throws std::bad_alloc where the system lacks memory.
+/// Lists the directory at \a path, which must be a native path. The listing is empty if there is
+/// something else at the path. Throws std::bad_alloc if the system is out of memory.
 [[nodiscard]] Listing listing(const QString& path, Wanted wanted);
 
-/// Lists the directory at \a path by QDirIterator, which knows file engines and what each platform
-/// hides, but does not tell what went wrong.
+/// Lists the directory at \a path with QDirIterator, which supports file engines and knows what is
+/// hidden on each platform, but does not report errors.
 [[nodiscard]] QStringList namesListedByQt(const QString& path, Wanted wanted);
 
 /// A directory that is open for as long as the object lives.
@@ -68,9 +68,9 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
     [[nodiscard]] int descriptor() const { return m_descriptor; }
-    /// Why it could not be opened (errno), or 0.
+    /// The error number (errno) if the directory could not be opened, or 0.
     [[nodiscard]] int error() const { return m_error; }
-    /// False if its entries can be neither asked about nor entered (EACCES).
+    /// False if the directory cannot be searched (EACCES), so that its entries cannot be accessed.
     [[nodiscard]] bool isSearchable() const { return m_isSearchable; }
 
 private:
@@ -79,14 +79,15 @@ private:
     bool m_isSearchable = true;
 };
 
-/// Adds a problem to \a listing unless it is there. Throws std::bad_alloc for the error ENOMEM.
+/// Adds a problem to \a listing unless it is in there already. Throws std::bad_alloc if
+/// \a systemError is ENOMEM.
 void addProblem(Listing& listing, VLPlatformIndependent::ListingProblem kind, int systemError);
 
-/// Adds that \a directory, which is not open, cannot be read.
+/// Adds the problem that \a directory could not be opened.
 void addNotOpened(Listing& listing, const OpenDirectory& directory);
 
-/// Adds that nothing in \a directory can be entered or asked, if that is so, in place of what was
-/// found out about single entries for the same reason.
+/// If \a directory cannot be searched, adds that problem in place of those of single entries that
+/// have the same cause.
 void addIfUnsearchable(Listing& listing, const OpenDirectory& directory);
 
 } // namespace VLPlatform

@@ -6,7 +6,7 @@
 
 VLRegularExpression::VLRegularExpression(const QString& pattern,
                                          QFlags<QRegularExpression::PatternOption> options)
-    : expression(pattern, options)
+    : m_expression(pattern, options)
 {
 }
 
@@ -15,9 +15,9 @@ VLRegularExpression::match(const QString& subject, int offset,
                            QRegularExpression::MatchType matchType,
                            QFlags<QRegularExpression::MatchOption> matchOptions) const
 {
-    const QMutexLocker locker(&mutex);
-    // Qt compiles a pattern once and never again, even if it lacked memory.
-    if (!expression.isValid())
-        expression = QRegularExpression(expression.pattern(), expression.patternOptions());
-    return expression.match(subject, offset, matchType, matchOptions);
+    const QMutexLocker locker(&m_mutex);
+    // Qt does not compile a pattern again, even if the first attempt ran out of memory.
+    if (!m_expression.isValid())
+        m_expression = QRegularExpression(m_expression.pattern(), m_expression.patternOptions());
+    return m_expression.match(subject, offset, matchType, matchOptions);
 }

@@ -8,13 +8,14 @@
 #include <QtCore/QReadWriteLock>
 #include <QtCore/QWriteLocker>
 
-/// Gives access to the one object of a class that the whole process shares, made on first use.
+/// Gives access to the one object of a class that the whole process shares. It is made on first
+/// use.
 ///
 /// \code
 /// VLSingleton<VLLogger>::instance()->logFolioService(u"message"_s);
 /// \endcode
 ///
-/// \tparam T a class with a default constructor and an operation `initialize()`.
+/// \tparam T a class with a default constructor and a function `initialize()`.
 template <typename T>
 class VL_TEMPLATE_EXPORT VLSingleton
 {
@@ -25,10 +26,9 @@ public:
     Q_DISABLE_COPY_MOVE(VLSingleton)
 
     /// Returns the instance, never null. The first call makes it and then calls its
-    /// `initialize()` once. It is never deleted, so the pointer may be kept. May be called from
-    /// any thread, which may wait for one that is just making the instance; `initialize()` itself
-    /// must not call it, since the lock is not recursive. If the constructor throws, the next call
-    /// tries again.
+    /// `initialize()` once. It is never deleted, so the pointer may be kept. May be called from any
+    /// thread, and waits while another thread makes the instance. `initialize()` must not call it,
+    /// because the lock is not recursive. If the constructor throws, the next call tries again.
     [[nodiscard]] static T* instance();
 };
 

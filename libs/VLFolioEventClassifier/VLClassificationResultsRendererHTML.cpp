@@ -45,12 +45,12 @@ int directFileCount(const QString& path)
 
 QString occasionText(const VLOccasionInfoList& occasions)
 {
-    // Not the list's own text for an empty list, which is spelled "no Data".
+    // The list's own text for an empty list is spelled differently, "no Data".
     return occasions.isEmpty() ? u"no data"_s : occasions.description();
 }
 
-// The messages are made before they are sent: a debug stream sends what it has got even when memory
-// runs out on the way, and its destructor may not fail.
+// The text of a message is complete before it is logged. A debug stream would log what it has so
+// far when memory runs out, from a destructor that must not throw.
 QString removalText(const QString& path, bool removed)
 {
     QString text;
@@ -66,7 +66,7 @@ QString failureText(const QFileInfo& reportFile, const QFile& file)
     return text.chopped(1);
 }
 
-// Not through a format, which would end the text at a NUL within a path.
+// QMessageLogger is not used, because its format would end the text at a null character in a path.
 void log(QtMsgType type, const QMessageLogContext& context, const QString& text)
 {
     if (QLoggingCategory::defaultCategory()->isEnabled(type))
@@ -86,7 +86,7 @@ VLClassificationResultsRendererHTML::VLClassificationResultsRendererHTML(
     : rootPathLength(prefixLength)
     , nameFilters(fileNameFilters)
 {
-    // Not a shared copy, which sorting would have to detach: that crashes where memory is short.
+    // A shared copy would be detached by sorting, which crashes if there is no memory for it.
     results.append(classificationResults);
     std::sort(results.begin(), results.end(), isSmaller);
 }
@@ -99,12 +99,13 @@ bool VLClassificationResultsRendererHTML::isSmaller(const VLEventFolderClassific
     return first.directory().absoluteFilePath() < second.directory().absoluteFilePath();
 }
 
-// Not const: the name of this function, as the compiler spells it, is part of the messages.
+// The function is not const, because its signature, as the compiler spells it, is logged with the
+// messages.
 void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFile)
 {
     const QString path = reportFile.absoluteFilePath();
     QFile file(path);
-    // The member, not the static function: it is true for a link that leads nowhere, too.
+    // Unlike the static function, the member also returns true for a dangling symlink.
     if (file.exists()) {
         const bool removed = file.remove();
         log(QtDebugMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
@@ -112,8 +113,8 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
-        // What an exception leaves in the stream would be written by its destructor, which may not
-        // fail. A stream that has failed before writes nothing.
+        // When an exception passes, the destructor of the stream would write what is left in it,
+        // but must not throw. A stream whose status is an error writes nothing.
         const auto silence = qScopeGuard([&stream] { stream.setStatus(QTextStream::WriteFailed); });
         writeHTMLHeader(stream);
         writeTableStart(stream);

@@ -18,22 +18,22 @@
 /// renderer.renderToFile(QFileInfo(QDir(rootPath), u"vela.classification.results.html"_s));
 /// \endcode
 ///
-/// The report is a diagnostic for people who know the tree: names enter it as they are, without
-/// HTML escapes. The write operations go to the stream they are given and can be used one by one.
+/// The report is a diagnostic for people who know the tree: names are written to it as they are,
+/// without HTML escapes. The write functions write to the stream they are given and can be used one
+/// by one.
 ///
-/// Threads: an object belongs to one thread at a time, and copies of a walk's results may be in
-/// several such objects. So may those of other results whose directories were asked for their
-/// absolute paths before: QFileInfo keeps them, but finds them out without a lock. Directories are
-/// listed by VLPlatformIndependent::instance().
+/// Threads: an object belongs to one thread at a time. Several threads may each have an object with
+/// copies of the results of one walk. With copies of other results that holds only once
+/// QFileInfo::absoluteFilePath() was called on their directories, because QFileInfo caches the path
+/// without a lock. Directories are listed by VLPlatformIndependent::instance().
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLClassificationResultsRendererHTML
 {
 public:
-    /// Keeps a copy of \a classificationResults sorted with isSmaller(); the caller's list keeps
-    /// its order.
+    /// Makes a renderer that holds a copy of \a classificationResults, sorted with isSmaller().
     ///
     /// \param classificationResults the results; an empty list makes a report without rows.
     /// \param prefixLength how many UTF-16 code units are left out at the start of the absolute
-    ///     path in every row whose type is not exactly Root. A negative number leaves out none.
+    ///     path in every row whose type is not exactly Root; none if it is negative.
     /// \param fileNameFilters patterns of file names, kept but not applied: all files count.
     VLClassificationResultsRendererHTML(
         const QList<VLEventFolderClassificationResult>& classificationResults, int prefixLength,
@@ -41,21 +41,21 @@ public:
     VL_DEFAULT_COPY_MOVE(VLClassificationResultsRendererHTML)
     virtual ~VLClassificationResultsRendererHTML();
 
-    /// True when the absolute path of \a first sorts before that of \a second, UTF-16 code unit by
-    /// code unit. That is no tree order: "2019-x" comes between "2019" and "2019/01".
+    /// Returns true if the absolute path of \a first sorts before that of \a second, compared by
+    /// UTF-16 code units. This is not the order of the tree: "2019-x" comes between "2019" and
+    /// "2019/01".
     [[nodiscard]] static bool isSmaller(const VLEventFolderClassificationResult& first,
                                         const VLEventFolderClassificationResult& second);
 
-    /// Replaces the file \a reportFile by the report, and calls
-    /// VLPlatformIndependent::directoryContentsChanged() with its directory, whether or not that
-    /// worked.
+    /// Replaces the file \a reportFile by the report and then, even if that failed, calls
+    /// VLPlatformIndependent::directoryContentsChanged() with its directory.
     ///
-    /// Failures show only in Qt's message log, category "default": a debug message says whether an
-    /// old report could be removed, a warning that the report could not be opened, and why. An
-    /// error while writing, a full disk for instance, is not noticed.
+    /// Failures are only logged, in Qt's category "default": a debug message says whether an old
+    /// report could be removed, and a warning why the report could not be opened. An error while
+    /// writing, such as a full disk, is not noticed.
     void renderToFile(const QFileInfo& reportFile);
 
-    /// Writes everything ahead of the table: the style and the start of the body.
+    /// Writes everything before the table: the style and the start of the body.
     void writeHTMLHeader(QTextStream& stream) const;
     /// Writes the style element, which gives each type but ProjectFolder its colour.
     void writeStyle(QTextStream& stream) const;

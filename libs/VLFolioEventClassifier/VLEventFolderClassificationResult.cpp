@@ -49,7 +49,8 @@ void VLEventFolderClassificationResult::setOccasionInformation(
 QString VLEventFolderClassificationResult::render(int prefixLength) const
 {
     const QString path = VLOwnFileInfo::detached(m_directory).absoluteFilePath().mid(prefixLength);
-    // Two substitutions, the path first: the second one also fills a placeholder of the path.
+    // Two calls, the path first: the second one replaces a placeholder within the path before the
+    // "%2", as the documentation of this function says.
     const QString line = u"%2 <= %1"_s.arg(path);
     return line.arg(m_classification.name(), 7);
 }

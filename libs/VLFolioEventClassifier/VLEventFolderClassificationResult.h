@@ -18,9 +18,9 @@
 /// result.render(10);   // "  Month <= 2023/07"
 /// \endcode
 ///
-/// Threads: distinct objects may be used from distinct threads, copies included, and one object may
-/// be read by several, if their directories are absolute paths, as those of the walk from an
-/// absolute root are. What directory() gives back is not as free, see there.
+/// Threads: if the directories are absolute paths, as in the results of a walk from an absolute
+/// root, distinct objects, copies included, may be used from distinct threads, and one object may
+/// be read by several. For what directory() returns there are limits, see there.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderClassificationResult
 {
 public:
@@ -33,29 +33,30 @@ public:
     VL_DEFAULT_COPY_MOVE(VLEventFolderClassificationResult)
     virtual ~VLEventFolderClassificationResult();
 
-    /// True when the types are the same number and QFileInfo's `operator==` says that the
-    /// directories are the same, which may have to look at the file system. So two directories
-    /// that do not exist are the same, and two default-constructed results are different unless
-    /// one is a copy of the other. Occasions do not count. For absolute paths the file system is
-    /// looked at anew each time: what was found out once is not kept.
+    /// Returns true if the types are the same number and the directories are equal by QFileInfo's
+    /// `operator==`, which may have to access the file system. Two directories that do not exist
+    /// are therefore equal, and two default-constructed results are not, unless one is a copy of
+    /// the other. Occasions are not compared. For absolute paths the file system is accessed anew
+    /// by each call, as nothing is cached.
     [[nodiscard]] bool operator==(const VLEventFolderClassificationResult& other) const;
 
-    /// The directory. It shares its data with the one in this object and in copies of it, and Qt
-    /// caches in there, without a lock, what it finds out: a thread that asks it for more than
-    /// filePath(), while others use such copies, makes a QFileInfo of its own from that.
+    /// Returns the directory. It shares its data with the one in this object and its copies, in
+    /// which Qt caches, without a lock, what it finds out about the file. A thread that calls more
+    /// than filePath() while others use such copies has to make a QFileInfo of its own from that
+    /// path.
     [[nodiscard]] QFileInfo directory() const;
-    /// Its type, or a combination of types.
+    /// Returns its type, or a combination of types.
     [[nodiscard]] VLEventFolderType classification() const;
-    /// The occasions suggested for it; empty unless setOccasionInformation() was called.
+    /// Returns the occasions suggested for it; none unless setOccasionInformation() was called.
     [[nodiscard]] VLOccasionInfoList occasionInformation() const;
 
     /// Replaces all occasions by those of \a occasionInformation.
     void setOccasionInformation(const VLOccasionInfoList& occasionInformation);
 
     /// Returns the result as one line "type <= path". The name of the type is padded on the left
-    /// to seven UTF-16 code units; a combination of types has no name. A path that holds a
-    /// placeholder of QString::arg() for 0 or 1 ("%0", "%1", "%L1") takes the name there, and the
-    /// line keeps a "%2" in its stead.
+    /// to seven UTF-16 code units; a combination of types has no name. If the path holds one of
+    /// QString::arg()'s placeholders for 0 or 1 ("%0", "%1", "%L1"), the name is inserted there,
+    /// and the line begins with "%2" instead.
     ///
     /// \param prefixLength how many UTF-16 code units are left out at the start of the directory's
     ///     absolute path (QFileInfo::absoluteFilePath()). A negative number leaves out none, one

@@ -6,8 +6,8 @@
 
 #include <VLCore/VLEnumWrapper.h>
 
-/// What kind of folder a directory is within a collection of pictures. The values are bit flags
-/// and may be combined; the names in quotes are those that the shared table of names holds.
+/// What kind of folder a directory is within a picture collection. The values are bit flags and may
+/// be combined; the names in quotes are those in the shared table of names.
 enum class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderTypeEnum : qint32 {
     /// No type, "Unknown". The only value that is not valid.
     Unknown = 0,
@@ -47,15 +47,15 @@ public:
     VL_DEFAULT_COPY_MOVE(VLEventFolderType)
     ~VLEventFolderType() override;
 
-    /// The name of this type in the shared table, for instance "Year"; empty for a combination of
-    /// flags.
+    /// Returns the name of this type in the shared table, for instance "Year", or an empty string
+    /// for a combination of flags.
     [[nodiscard]] QString name() const;
 
     /// Inserts the seven names of VLEventFolderTypeEnum into \a table, which must not be null.
     void fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const override;
 };
 
-// Instantiated once, in this library: with RTLD_LOCAL a module opened at run time might otherwise
-// keep a table of names of its own.
+// Instantiated in this library alone. Otherwise, a module that is opened with RTLD_LOCAL might have
+// a table of names of its own.
 extern template class VLEnumWrapper<VLEventFolderTypeEnum>;
 extern template class VLEnumToStringTable<VLEventFolderTypeEnum>;

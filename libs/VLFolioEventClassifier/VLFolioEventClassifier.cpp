@@ -40,8 +40,8 @@ struct ContextRule
     VLEventFolderTypeEnum parentType;
 };
 
-// What is an event because of where it stands. Days are not in it: they are events everywhere but
-// directly below an event.
+// The types of a directory and its parent for which the directory is an event. Days are not in the
+// table, because they are events everywhere but directly below an event.
 constexpr std::array eventRules {
     ContextRule { VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Year },
     ContextRule { VLEventFolderTypeEnum::Unknown, VLEventFolderTypeEnum::Month },
@@ -66,7 +66,7 @@ QDate toDate(const QLocale& locale, const QString& name, QLocale::FormatType for
 #if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
     return locale.toDate(name, formatType, baseYear);
 #else
-    // Two-digit years are read with this base year anyway.
+    // Older versions of Qt always read two-digit years with this base year.
     Q_UNUSED(baseYear)
     return locale.toDate(name, formatType);
 #endif
@@ -82,8 +82,8 @@ bool isDayName(const QLocale& locale, const QString& name, QLocale::FormatType f
     return false;
 }
 
-// A search that runs out of memory gives an invalid match and no other sign. The only other
-// cause is text that is not valid UTF-16, since the patterns are valid.
+// Running out of memory shows only as an invalid match. As the patterns are valid, the only other
+// cause of that is a name that is not valid UTF-16.
 bool isFound(const QRegularExpressionMatch& match, const QString& name)
 {
     if (!match.isValid() && name.isValidUtf16())
@@ -98,7 +98,8 @@ bool isFound(const VLRegularExpression& expression, const QString& name)
                    name);
 }
 
-// Throws before a static is initialized, so that the next call tries again.
+// Throws if there was no memory to compile the pattern. A static that was to hold the expression
+// then stays uninitialized, and the next call tries again.
 QRegularExpression compiled(const QString& pattern)
 {
     QRegularExpression expression(pattern);
@@ -125,10 +126,11 @@ bool isRoot(const QFileInfo& directory, const QFileInfo& root)
     return !VLSameDirectory::areCertainlyDifferent(directory, root) && directory == root;
 }
 
-// The recursion of the walk takes stack for each level of a tree, which may be two thousand deep,
-// and a thread may have half a megabyte. So what a level does by itself stays out of its frame.
+// The walk takes a stack frame for each level of a tree, which may have two thousand levels, while
+// a thread may have only half a megabyte of stack. The following functions are therefore not
+// inlined, so that what they need is not on the stack during the recursion.
 
-// Not made of an initializer list, which crashes where there is no memory for it.
+// The list is not made from an initializer list, because that crashes if there is no memory for it.
 Q_NEVER_INLINE QList<VLEventFolderClassificationResult>
 resultsStartingWith(const QFileInfo& directory, VLFolioEventClassifier& classifier,
                     const VLEventFolderClassificationResult& parentResult)
@@ -144,15 +146,15 @@ Q_NEVER_INLINE void appendTo(QList<VLEventFolderClassificationResult>& results,
     results.append(std::move(subtree));
 }
 
-// Sorts as QDir::Name does. QDir does not join the paths, since it takes a name such as ":name" for
-// that of a resource.
+// Sorts in the order of QDir::Name. The paths are not made with QDir::filePath(), which takes a
+// name such as ":name" for that of a resource.
 Q_NEVER_INLINE QFileInfoList subdirectoriesOf(const QFileInfo& directory)
 {
     const QDir dir(directory.absoluteFilePath());
     const QStringList names =
         VLPlatformIndependent::instance()->getDirectSubdirectoriesInDirectory(dir);
-    // Not sorted in place: a list that is shared with the service would be detached, which crashes
-    // where there is no memory for it.
+    // The names are not sorted in place, because a list that the service shares would be detached,
+    // which crashes if there is no memory for it.
     std::vector<QString> sorted(names.cbegin(), names.cend());
     std::sort(sorted.begin(), sorted.end());
 
@@ -262,7 +264,7 @@ bool VLFolioEventClassifier::matchesDate(const QString& name) const
 {
     const VLNameLook look(name);
     const std::array locales { QLocale(), QLocale::system() };
-    // One locale would give the same answers twice.
+    // If both locales are the same, the second would only give the same answers again.
     const auto* const end = locales.front() == locales.back() ? &locales.back() : locales.end();
     for (const auto* locale = locales.begin(); locale != end; ++locale) {
         for (const QLocale::FormatType formatType : formatTypes) {
@@ -280,7 +282,7 @@ bool VLFolioEventClassifier::matchesDate(const QString& name) const
 
     if (look.cannotHoldDateShape())
         return false;
-    // The vertical bars are separators like the other characters of the class.
+    // Within the brackets, the vertical bar is a separator like the others, not an alternative.
     static const VLRegularExpression expressionYearMonthDay(
         uR"(\d{4}[-|,|.|\s]\d{2}[-|,|.|\s]\d{2})"_s, QRegularExpression::NoPatternOption);
     static const VLRegularExpression expressionDayMonthYear(
@@ -293,7 +295,7 @@ bool VLFolioEventClassifier::matchesDate(const QString& name) const
 
 bool VLFolioEventClassifier::matchesMonth(const QString& name) const
 {
-    // The language of the first call stays: one process, one set of month folders.
+    // The language of the first call is kept, so that a process has one set of month names.
     static const QStringList monthNames = namesOfMonths(QLocale());
     return monthNames.contains(name, Qt::CaseSensitive);
 }

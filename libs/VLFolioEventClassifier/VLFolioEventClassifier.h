@@ -21,34 +21,36 @@
 ///     QFileInfo(u"/home/me/Pictures"_s), VLEventFolderClassificationResult());
 /// \endcode
 ///
-/// The directory's own name decides first, then the type of its parent corrects it. Words are
-/// those of the user's language: days and dates follow QLocale() and QLocale::system() as they are
-/// at each call, months follow the QLocale() of the first call in the process.
+/// The directory's own name decides first; then the type of its parent corrects it. Names of days
+/// and months are read in the user's language: days and dates follow QLocale() and
+/// QLocale::system() as they are at each call, months follow the QLocale() of the first call in the
+/// process.
 ///
 /// Failures are neither thrown nor returned: a directory that cannot be read has no
-/// subdirectories. Only std::bad_alloc passes through, and the classifier is unchanged then.
+/// subdirectories. Only std::bad_alloc is thrown, and leaves the classifier unchanged.
 ///
 /// Threads: everything runs on the calling thread. A classifier holds nothing but its root, so
 /// several threads may each use their own; one object belongs to one thread at a time. Classifiers
-/// may be made of one absolute QFileInfo, but what is passed to the other operations must belong to
-/// the calling thread: copies of a QFileInfo share what Qt caches in it, without a lock.
+/// of several threads may be made from one absolute QFileInfo. What is passed to the other
+/// functions must belong to the calling thread, because copies of a QFileInfo share, without a
+/// lock, what Qt caches in it.
 ///
-/// A host watches, narrows or ends a walk through its own platform service, see
+/// A host watches, narrows or ends a walk through a platform service of its own, see
 /// VLPlatformIndependent::getDirectSubdirectoriesInDirectory(). When the application quits, a walk
 /// on another thread ends at the next folder, as soon as QCoreApplication::closingDown() is true.
-/// That is so once the destructor of the application object has begun: it waits there for the
-/// global QThreadPool, whose walks therefore end early. A QThread that is waited for before that
-/// destructor, or by an object that it deletes, walks to its end unless the host's service ends the
-/// walk.
+/// That is so once the destructor of the application object has begun. It waits for the global
+/// QThreadPool, whose walks therefore end early. A walk on a QThread that is waited for before that
+/// destructor, or by an object that it deletes, runs to its end unless the host's service ends it.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:
-    /// Makes a classifier for the tree below \a root, which is copied and not looked at.
-    /// It need not exist. A default-constructed QFileInfo stands for the working directory.
+    /// Makes a classifier for the tree below \a root, without accessing the file system. The root
+    /// need not exist. A default-constructed QFileInfo stands for the working directory.
     explicit VLFolioEventClassifier(const QFileInfo& root);
     /// \{
-    /// A copy may be used on another thread than the original: of an absolute root nothing that Qt
-    /// caches is shared. A classifier that was moved from can be assigned to or destroyed.
+    /// A copy may be used on another thread than the original if the root is absolute, because the
+    /// copy then shares nothing that Qt caches. A classifier that was moved from may only be
+    /// assigned to or destroyed.
     VLFolioEventClassifier(const VLFolioEventClassifier& other);
     VLFolioEventClassifier(VLFolioEventClassifier&& other) noexcept = default;
     VLFolioEventClassifier& operator=(const VLFolioEventClassifier& other);
@@ -56,38 +58,38 @@ public:
     /// \}
     virtual ~VLFolioEventClassifier();
 
-    /// Does one whole run: logs "startClassifyEvent", walks the tree, writes the report
-    /// "vela.classification.results.html" into the root directory, and hands that file to
-    /// VLPlatformIndependent::openFile(), whether or not it could be written. Each call is a run
-    /// of its own. See VLClassificationResultsRendererHTML::renderToFile() for what is logged.
+    /// Does a whole run: logs "startClassifyEvent", walks the tree, writes the report
+    /// "vela.classification.results.html" into the root directory, and passes that file to
+    /// VLPlatformIndependent::openFile(), even if it could not be written. Nothing is kept from one
+    /// call to the next. See VLClassificationResultsRendererHTML::renderToFile() for what is
+    /// logged.
     void start();
 
     /// Classifies \a directory and every directory below it.
     ///
-    /// The results come in pre-order: a directory, then the whole tree of its first subdirectory,
-    /// and so on, in the order of QDir::Name (case-sensitive). Hidden directories and what is
-    /// below them are left out; links to directories are followed like directories, and links in a
-    /// circle end only where the system refuses the path. The walk is recursive: its depth is that
-    /// of the tree.
+    /// The results are in pre-order: a directory, then the whole tree of its first subdirectory,
+    /// and so on, in the order of QDir::Name (case-sensitive). Hidden directories and everything
+    /// below them are left out. Symlinks to directories are followed, and a cycle of symlinks ends
+    /// only where the system refuses the path. The walk is as deep a recursion as the tree.
     ///
     /// \param directory where the walk starts; only the classifier's own root is of the type Root.
     /// \param parentResult the result of the directory's parent; a default-constructed one for the
     ///     root.
-    /// \return one result for each directory, without occasions. Empty when
-    ///     QCoreApplication::closingDown() is true, which is asked again at every directory: a
-    ///     walk under way then ends at the next one and keeps what it has.
+    /// \return one result for each directory, without occasions. Empty if
+    ///     QCoreApplication::closingDown() is true. This is checked again at every directory, so
+    ///     that a walk under way ends at the next one, with the results up to there.
     [[nodiscard]] QList<VLEventFolderClassificationResult>
     eventFolderTypes(const QFileInfo& directory,
                      const VLEventFolderClassificationResult& parentResult);
 
-    /// Classifies \a directory alone, by itself and by the type in \a parentResult. A parent whose
-    /// type combines flags counts as none of them.
+    /// Classifies the single \a directory by itself, and corrects that by the type in
+    /// \a parentResult. A type that combines flags there counts as none of them.
     [[nodiscard]] VLEventFolderClassificationResult
     contextDependentEventFolderType(const QFileInfo& directory,
                                     const VLEventFolderClassificationResult& parentResult);
 
-    /// Classifies \a directory by itself: Root if QFileInfo's `operator==` says that it is the
-    /// root, Event if its absolute path starts with "photokit", or else what its name says.
+    /// Classifies \a directory by itself: Root if it equals the root by QFileInfo's `operator==`,
+    /// Event if its absolute path starts with "photokit", and otherwise by its name.
     [[nodiscard]] VLEventFolderClassificationResult
     eventFolderType(const QFileInfo& directory) const;
 
@@ -96,26 +98,27 @@ public:
     /// name is Unknown.
     [[nodiscard]] VLEventFolderType eventFolderType(const QString& name) const;
 
-    /// True when \a name ends with "_vlp-Dateien", in this case.
+    /// Returns true if \a name ends with "_vlp-Dateien"; the case matters.
     [[nodiscard]] bool matchesProject(const QString& name) const;
 
-    /// True when \a path starts with "photokit", in this case. The path is taken as it is.
+    /// Returns true if \a path starts with "photokit"; the case matters. The path is not made
+    /// absolute.
     [[nodiscard]] bool matchesApplePhotos(const QString& path) const;
 
-    /// True when \a name is a date or the name of a day in QLocale() or QLocale::system() (long,
-    /// short or narrow format, as QLocale::toDate() and QLocale::dayName() know them), is a
-    /// Qt::TextDate or Qt::RFC2822Date, or holds digits in the shape of a date: two or four, two,
-    /// and two or four, each two parted by a hyphen, a vertical bar, a comma, a full stop or ASCII
-    /// white space. The shape counts, not the number: "99.99.99" is one. A name with a lone
-    /// surrogate holds no shape.
+    /// Returns true if \a name is a date or the name of a day in QLocale() or QLocale::system()
+    /// (long, short or narrow format, by QLocale::toDate() and QLocale::dayName()), is a
+    /// Qt::TextDate or Qt::RFC2822Date, or contains digits in the shape of a date: two or four,
+    /// two, and two or four, separated by a hyphen, a vertical bar, a comma, a full stop or ASCII
+    /// white space. Only the shape counts: "99.99.99" has it, too. A name with an unpaired
+    /// surrogate contains no such shape.
     [[nodiscard]] bool matchesDate(const QString& name) const;
 
-    /// True when \a name is the long or short name of a month in the QLocale() of the first call
-    /// in this process, in the same case, or a number from 1 to 12 or 01 to 09.
+    /// Returns true if \a name is the long or short name of a month in the QLocale() of the first
+    /// call in this process, in the same case, or a number from 1 to 12 or 01 to 09.
     [[nodiscard]] bool matchesMonth(const QString& name) const;
 
-    /// True when the digit 2 and three more ASCII digits stand anywhere in \a name, unless that
-    /// holds a lone surrogate.
+    /// Returns true if \a name contains the digit 2 followed by three more ASCII digits, and no
+    /// unpaired surrogate.
     [[nodiscard]] bool matchesYear(const QString& name) const;
 
 private:

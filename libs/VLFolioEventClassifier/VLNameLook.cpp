@@ -27,8 +27,9 @@ unsigned punctuationBit(char16_t unit)
     }
 }
 
-// The field of a date format that this run of one letter stands for, if it is written in digits. Of
-// months and days, three letters and more are a name; a lone "y" is text to Qt's parser.
+// Returns the field of a date format that is written as \a length times \a letter, if it is
+// numeric. Three letters and more stand for the name of a month or a day, and a single "y" is plain
+// text to Qt's parser.
 unsigned numberBit(char16_t letter, qsizetype length)
 {
     switch (letter) {

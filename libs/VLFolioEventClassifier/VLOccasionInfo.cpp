@@ -32,7 +32,7 @@ double VLOccasionInfo::confidence() const
 
 QString VLOccasionInfo::description() const
 {
-    // One substitution of all three: a "%2" within the occasion stays as it is.
+    // All three are replaced by one call, so that a "%2" within the occasion stays as it is.
     return u"%1 (%2, %3)"_s.arg(m_occasion, QString::number(m_confidence, 'g', 6), m_source);
 }
 

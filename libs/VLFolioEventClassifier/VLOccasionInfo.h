@@ -18,29 +18,28 @@ class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfo
 public:
     /// Makes a record with an empty occasion, an empty source and the confidence 0.0.
     VLOccasionInfo();
-    /// Makes a record of the three values as they are: empty strings, negative numbers, infinities
-    /// and NaN are all stored.
+    /// Makes a record of the three values as they are, without any check.
     ///
     /// \param occasion name of the occasion.
     /// \param source what the occasion was derived from.
-    /// \param confidence how sure it is, on a scale that is the caller's.
+    /// \param confidence how sure it is, on a scale that the caller chooses.
     VLOccasionInfo(const QString& occasion, const QString& source, double confidence);
     VL_DEFAULT_COPY_MOVE(VLOccasionInfo)
     virtual ~VLOccasionInfo();
 
-    /// Name of the occasion.
+    /// Returns the name of the occasion.
     [[nodiscard]] QString occasion() const;
-    /// What the occasion was derived from.
+    /// Returns what the occasion was derived from.
     [[nodiscard]] QString source() const;
-    /// How sure the occasion is.
+    /// Returns how sure the occasion is.
     [[nodiscard]] double confidence() const;
 
     /// Returns the record as "occasion (confidence, source)". The confidence has at most six
     /// significant digits, as QString::number() writes them in the format 'g': 0.85, 1, 1.2e-05.
     [[nodiscard]] QString description() const;
 
-    /// True when confidences, occasions and sources are exactly equal; the strings are compared
-    /// case-sensitively. A record with the confidence NaN is not even equal to itself.
+    /// Returns true if confidences, occasions and sources are exactly equal; the strings are
+    /// compared case-sensitively. A record with the confidence NaN is not equal to itself.
     [[nodiscard]] bool operator==(const VLOccasionInfo& other) const;
 
 private:

@@ -9,8 +9,8 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// List of the occasions suggested for one event, with their texts joined. It is a QList in every
-/// other respect.
+/// List of the occasions suggested for one event, which can join their texts. In every other
+/// respect it is a QList.
 ///
 /// \code
 /// VLOccasionInfoList list;
@@ -29,14 +29,14 @@ public:
     VL_DEFAULT_COPY_MOVE(VLOccasionInfoList)
     virtual ~VLOccasionInfoList();
 
-    /// The occasions of all records, in list order.
+    /// Returns the occasions of all records, in list order.
     [[nodiscard]] QStringList occasions() const;
-    /// The same as occasions(), under the name that earlier callers use.
+    /// Returns the same as occasions(), under the name that earlier callers use.
     [[nodiscard]] QStringList occassions() const;
-    /// The descriptions of all records, in list order; see VLOccasionInfo::description().
+    /// Returns the descriptions of all records, in list order; see VLOccasionInfo::description().
     [[nodiscard]] QStringList descriptions() const;
-    /// The descriptions joined by "; ", or "no Data" for an empty list.
+    /// Returns the descriptions joined by "; ", or "no Data" for an empty list.
     [[nodiscard]] QString description() const;
-    /// The occasions joined by "," without a blank; the empty string for an empty list.
+    /// Returns the occasions joined by "," without a blank, or an empty string for an empty list.
     [[nodiscard]] QString occasion() const;
 };

@@ -7,7 +7,7 @@ QFileInfo VLOwnFileInfo::detached(const QFileInfo& info)
     if (!info.isNativePath())
         return info;
     QFileInfo own = info;
-    // Setting what is set already detaches all the same.
+    // This detaches the data, even though the value does not change.
     own.setCaching(info.caching());
     return own.isAbsolute() ? own : info;
 }

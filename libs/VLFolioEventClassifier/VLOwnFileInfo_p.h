@@ -2,16 +2,17 @@
 
 #include <QtCore/QFileInfo>
 
-// A namespace, since a static library shows the name of its function to all that are linked with
-// it.
+// The namespace keeps the name of the function apart from those of a program that is linked with
+// the static library.
 namespace VLOwnFileInfo {
 
-/// Returns \a info with data of its own. Copies of a QFileInfo share theirs, in which Qt caches,
-/// without a lock, what it finds out about the file: what is asked of it changes what other threads
-/// read. What was cached is not taken over.
+/// Returns a copy of \a info with data of its own, in which nothing is cached. Copies of a
+/// QFileInfo otherwise share their data, in which Qt caches, without a lock, what it finds out
+/// about the file. Even const functions therefore change what other threads read.
 ///
-/// A relative path keeps its data: it may have become absolute under another working directory. So
-/// does the path of a file engine, and an object without a path, which is equal only to its copies.
+/// The data stays shared if the path is relative, as the absolute path may have been cached under
+/// another working directory, or belongs to a file engine, or if there is no path at all, because a
+/// default-constructed QFileInfo is equal only to its copies.
 [[nodiscard]] QFileInfo detached(const QFileInfo& info);
 
 } // namespace VLOwnFileInfo

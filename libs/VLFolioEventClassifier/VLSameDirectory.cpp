@@ -17,7 +17,8 @@ QStringView lastComponent(const QString& path)
     return QStringView(path).mid(path.lastIndexOf(u'/') + 1);
 }
 
-// No file system folds these together: both are ASCII, and they differ in more than case.
+// Returns true if both names are ASCII and differ in more than case. No file system takes such
+// names for the same.
 bool neverSameName(QStringView first, QStringView second)
 {
     const auto isAscii = [](QChar unit) { return unit.unicode() < 0x80; };
@@ -26,21 +27,23 @@ bool neverSameName(QStringView first, QStringView second)
         && first.compare(second, Qt::CaseInsensitive) != 0;
 }
 
-// False for what is gone, too: a QFileInfo may remember where a removed link led. QFileInfo's own
-// isSymLink() is not asked, since it keeps the answer, and the path once more, in every result.
-bool isNoLink(const QString& path)
+// Returns false for a removed file, too, because a QFileInfo may have cached where a removed
+// symlink led. QFileInfo::isSymLink() is not used, because it would cache its answer, along with a
+// second copy of the path, in every result.
+bool isNoSymlink(const QString& path)
 {
     struct stat status = {};
     return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISLNK(status.st_mode);
 }
 
-// True when the canonical path of the directory ends with its own name.
+// Returns true if the canonical path of the directory certainly ends with \a name, its own name.
 bool keepsItsName(const QString& path, QStringView name)
 {
-    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && isNoLink(path);
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && isNoSymlink(path);
 }
 
-// Asks the system for both files. QFileInfo may remember where a directory was that is gone.
+// The system is asked about both, because a QFileInfo may have cached the path of a directory that
+// was removed.
 bool areDifferentFiles(const QString& path, const QString& rootPath)
 {
     struct stat directory = {};
@@ -52,12 +55,13 @@ bool areDifferentFiles(const QString& path, const QString& rootPath)
 
 } // namespace
 
-// QFileInfo compares canonical paths. What is no link keeps its name in its canonical path, and two
-// paths of different files have different canonical paths.
+// QFileInfo compares canonical paths. The canonical path of what is no symlink ends with its own
+// name, and different files have different canonical paths.
 bool VLSameDirectory::areCertainlyDifferent(const QFileInfo& directory, const QFileInfo& root)
 {
     const QString path = directory.filePath();
-    // One path is one directory, even if that comes and goes between two looks at it.
+    // The same path is the same directory, even if that is made or removed between two system
+    // calls.
     if (path == root.filePath() || !directory.isNativePath() || !root.isNativePath())
         return false;
     const QString rootPath = root.canonicalFilePath();
