@@ -34,7 +34,7 @@ constexpr std::array allTypes {
 };
 // clang-format on
 
-// A folder that the walk found. Its files are counted only for --json.
+// A folder that the walk found, with the number of its files for --json.
 struct Folder
 {
     VLEventFolderClassificationResult result;
@@ -51,8 +51,8 @@ qsizetype filesIn(const VLEventFolderClassificationResult& result, const Program
     return platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath())).size();
 }
 
-// Only --json shows how many files there are. For the other commands the files are not counted, so
-// that each folder is read only once.
+// Only --json shows how many files there are. The other commands do not count them, so that they
+// read each folder only once.
 QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath,
                          const ProgramPlatform& platform)
 {
@@ -71,7 +71,7 @@ QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath
     return folders;
 }
 
-// The length of the root's path, including the slash behind it.
+// Returns the length of the root's path, including the slash after it.
 int prefixLength(const QString& rootPath)
 {
     return static_cast<int>(rootPath.endsWith(u'/') ? rootPath.size() : rootPath.size() + 1);

@@ -20,7 +20,7 @@ struct ActionRow
     CommandLine::Action action = CommandLine::Action::Report;
 };
 
-// The first two take precedence over everything else. Of the others only one may be given.
+// The first two take precedence over everything else. Of the others, only one may be given.
 constexpr std::array actionTable {
     ActionRow { "help"_L1, CommandLine::Action::Help },
     ActionRow { "version"_L1, CommandLine::Action::Version },
@@ -48,7 +48,7 @@ std::optional<VLEventFolderType> typeNamed(const QString& name)
 {
     const auto* const table = VLEventFolderType().enumToStringTable();
     const VLEventFolderTypeEnum value = table->valueFor(name);
-    // A name that is no type's is read as Unknown, so the names have to be compared.
+    // A name of no type is read as Unknown, so the names have to be compared.
     if (table->nameFor(value).compare(name, Qt::CaseInsensitive) != 0)
         return std::nullopt;
     return value;
@@ -60,7 +60,8 @@ bool namesPartOf(const QLocale& locale, const QString& subtag)
                               : QLocale::codeToTerritory(subtag) == locale.territory();
 }
 
-// QLocale takes any name and falls back to what it knows; this takes only what it knows.
+// QLocale accepts any name and falls back to a locale that it knows. This accepts only names of
+// known locales.
 std::optional<QLocale> localeNamed(const QString& name)
 {
     const QString tag = name.section(u'.', 0, 0).replace(u'-', u'_');
@@ -75,8 +76,8 @@ std::optional<QLocale> localeNamed(const QString& name)
     return known ? std::optional(locale) : std::nullopt;
 }
 
-// The first argument with an option that the parser does not know, as it was typed. Which arguments
-// are options and which are values only the parser can tell: it is asked about the first ones.
+// Returns the first argument with an option that the parser does not know, as it was typed. Only
+// the parser can tell options from values, so it has to parse ever more of the arguments.
 QString unknownOption(QCommandLineParser& parser, const QStringList& arguments)
 {
     const auto isKnownSoFar = [&](const QString& argument) {

@@ -14,14 +14,14 @@ struct CommandLine
 {
     /// What the program does.
     enum class Action { Report, Page, List, Json, Summary, Explain, Locales, Help, Version };
-    /// When the report is opened: if there is a desktop, never, or in any case.
+    /// When the file that is written is opened: if there is a desktop, never, or in any case.
     enum class Opening { Desktop, Never, Always };
 
     Action action = Action::Report;
     Opening opening = Opening::Desktop;
     /// The types of the folders that List, Json and Summary show; all types if empty.
     QList<VLEventFolderType> types;
-    /// The file for Page.
+    /// The path of the file for Page, as it was given.
     QString page;
     /// Whether each line of List ends with the reason for the type.
     bool why = false;
@@ -29,9 +29,9 @@ struct CommandLine
     QStringList excluded;
     /// Where the report goes, as it was given; empty for the collection.
     QString output;
-    /// The default locale, if not the system's.
+    /// The default locale, if it is not that of the system.
     std::optional<QLocale> locale;
-    /// The directory, or the names to explain.
+    /// The directory, or the names for Explain.
     QStringList operands;
 
     /// Reads \a arguments, of which the first is the program's name. If they are wrong, returns no

@@ -19,7 +19,7 @@ FileIdentity::FileIdentity(const QByteArray& path, int flags)
 {
     struct stat status = {};
     m_isKnown = fstatat(AT_FDCWD, path.constData(), &status, flags) == 0;
-    m_isLink = m_isKnown && S_ISLNK(status.st_mode);
+    m_isSymlink = m_isKnown && S_ISLNK(status.st_mode);
     m_device = status.st_dev;
     m_inode = status.st_ino;
 }

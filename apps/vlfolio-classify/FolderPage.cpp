@@ -23,7 +23,8 @@ struct TypeRow
     QLatin1StringView meaning;
 };
 
-// The types in the order of the page. Unknown comes last, as those folders are left to be checked.
+// The types in the order of the page. Unknown comes last, because those folders remain to be
+// checked.
 constexpr std::array typeRows {
     TypeRow { VLEventFolderTypeEnum::Root, "the collection itself"_L1 },
     TypeRow { VLEventFolderTypeEnum::Year, "pictures of a year"_L1 },
@@ -135,7 +136,7 @@ QString controls(const QList<PageFolder>& folders)
         const auto count = std::count_if(folders.cbegin(), folders.cend(), [&](const auto& folder) {
             return folder.isOfType(row.type);
         });
-        // A filter for the root would be of no use: it is always the first row.
+        // A filter for the root would be useless, because the root is always the first row.
         if (count > 0 && row.type != VLEventFolderTypeEnum::Root)
             text += choice(nameOf(row.type), nameOf(row.type), count, false);
     }

@@ -6,11 +6,11 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-/// The outcome of a walk as one HTML page, for people to look at: how many folders and files there
+/// The results of a walk as one HTML page for people to look at: how many folders and files there
 /// are of each type and of each year, and the tree of all folders with the reason for each type.
 ///
-/// It is safe to open whatever the folders are called: their names are escaped, and the page lets
-/// nothing load or run but its own style and script.
+/// The page is safe to open, whatever the names of the folders are: they are escaped, and the page
+/// allows nothing to load or run but its own style and script.
 class FolderPage
 {
 public:

@@ -41,8 +41,8 @@ QString nameOf(const VLEventFolderType& type)
     return type.name();
 }
 
-// Whether the type of such a folder depends on the folder above. The reason then names that folder
-// even if the type stays what it was.
+// Returns true if the type of a folder that is \a ownType by itself depends on the folder above.
+// The reason then names that folder even if the type stays the same.
 bool dependsOnPlace(const VLEventFolderType& ownType)
 {
     return ownType == VLEventFolderTypeEnum::Unknown || ownType == VLEventFolderTypeEnum::Day;
@@ -90,8 +90,7 @@ FolderReasons::Reason FolderReasons::reason() const
     const VLEventFolderType typeAbove =
         m_path.size() > 1 ? m_path.at(m_path.size() - 2).classification() : VLEventFolderType();
     const QFileInfo directory = result.directory();
-    // The folder above can only turn a folder into an event, so any other type in the result is the
-    // folder's own.
+    // The folder above can only turn a folder into an event, so any other type is the folder's own.
     const VLEventFolderType ownType = result.classification() == VLEventFolderTypeEnum::Event
         ? m_classifier.eventFolderType(directory).classification()
         : result.classification();

@@ -12,10 +12,10 @@ using namespace PageText;
 
 namespace {
 
-// Browsers nest only some hundred elements, and a row that is indented further has no width left.
+// Browsers nest only a few hundred elements, and a row that is indented further has no width left.
 constexpr qsizetype maximumDepth = 24;
 
-// Adds up what lies below the folder at \a position, at any depth.
+// Adds up the folders and files below the folder at \a position, at any depth.
 PageAmount amountBelow(const QList<PageFolder>& folders, qsizetype position)
 {
     const qsizetype depth = folders.at(position).reason.depth;
@@ -60,7 +60,7 @@ private:
             : 0;
     }
 
-    // Ends all open elements that are deeper than \a depth or at it.
+    // Returns the tags that end all open elements at \a depth and deeper.
     QString ends(qsizetype depth)
     {
         QString text;
@@ -110,8 +110,8 @@ private:
                 folderCount(below.folders), fileCount(below.files));
     }
 
-    // The name of the folder, preceded by the names of those above it that the nesting does not
-    // show.
+    // Returns the name of the folder, preceded by the names of those above it that the nesting does
+    // not show.
     [[nodiscard]] QString nameAt(qsizetype position) const
     {
         if (position == 0)
@@ -132,7 +132,7 @@ private:
     QFile& m_file;
     QString m_rootName;
     const QList<PageFolder>& m_folders;
-    // The tags that end the folder that was written last, and each folder that it lies in.
+    // The tags that end the folder that was written last and each folder above it.
     QStringList m_ends;
 };
 

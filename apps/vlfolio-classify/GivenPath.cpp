@@ -17,10 +17,10 @@ using namespace Qt::StringLiterals;
 
 QString GivenPath::absolute(const QString& given)
 {
-    // Qt takes a path that begins with ":" for one of a resource in the program.
+    // Qt takes a path that begins with ":" for that of a resource in the program.
     const QString spelled = given.startsWith(u':') ? u"./"_s + given : given;
-    // Qt shortens "name/.." without looking at the file system. To the system the path is valid
-    // only if the name exists, and leads elsewhere if it is that of a link.
+    // Qt removes "name/.." without accessing the file system. To the system the path is valid only
+    // if the name exists, and it leads elsewhere if that is a symlink.
     const QFileInfo file(spelled);
     if (spelled.split(u'/').contains(u".."_s))
         return file.exists() ? file.canonicalFilePath() : QDir::current().filePath(spelled);
@@ -31,7 +31,7 @@ QString GivenPath::absolute(const QString& given)
 }
 
 // The system is asked, because QFileInfo does not distinguish a directory that does not exist from
-// one that may not be looked at.
+// one that cannot be accessed.
 QString GivenPath::directoryProblem(const QString& given, const QString& path)
 {
     if (!path.startsWith(u'/'))
@@ -42,8 +42,8 @@ QString GivenPath::directoryProblem(const QString& given, const QString& path)
         return errno == ENOENT ? u"it does not exist"_s : Terminal::errorText(errno);
     if (!S_ISDIR(status.st_mode))
         return u"it is not a directory"_s;
-    // The path of the working directory or the target of a link may hold bytes that are not UTF-8.
-    // The decoded path then leads elsewhere.
+    // The path of the working directory or the target of a symlink may contain invalid UTF-8. The
+    // decoded path then leads elsewhere.
     if (!(FileIdentity(given) == FileIdentity(path)))
         return u"its path is not UTF-8"_s;
     const int directory = open(name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -5,9 +5,9 @@
 /// Paths as they are given on the command line.
 namespace GivenPath {
 
-/// Returns the absolute path of \a given, without a slash at its end, which would stay in the path
-/// of the root while the paths of all other folders have none. The path is not absolute if \a given
-/// is relative and the working directory was removed.
+/// Returns the absolute path of \a given, without a slash at its end, as the paths of all other
+/// folders have none either. The path is not absolute if \a given is relative and the working
+/// directory was removed.
 [[nodiscard]] QString absolute(const QString& given);
 
 /// Returns why the directory \a given, whose absolute path is \a path, cannot be classified, or an

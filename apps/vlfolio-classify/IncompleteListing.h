@@ -4,13 +4,13 @@
 
 #include <QtCore/QString>
 
-/// What the listing of a folder lacks, and why.
+/// Why the listing of a folder is incomplete.
 struct IncompleteListing
 {
-    using Problem = VLPlatformIndependent::ListingProblem;
+    using ListingProblem = VLPlatformIndependent::ListingProblem;
 
-    Problem problem = Problem::Unreadable;
-    /// The system's reason, an errno value; 0 where it gave none.
+    ListingProblem problem = ListingProblem::Unreadable;
+    /// The system's error number (errno), or 0 if it gave none.
     int systemError = 0;
 
     [[nodiscard]] bool operator==(const IncompleteListing& other) const
@@ -19,8 +19,8 @@ struct IncompleteListing
     }
 };
 
-/// Returns the name of what \a listing lacks, as --json shows it.
+/// Returns the name of the problem of \a listing, as --json shows it.
 [[nodiscard]] QString incompleteName(const IncompleteListing& listing);
 
-/// Returns one line that says what \a listing of the folder at \a path lacks, and why.
+/// Returns one line that says why \a listing, that of the folder at \a path, is incomplete.
 [[nodiscard]] QString incompleteReason(const QString& path, const IncompleteListing& listing);

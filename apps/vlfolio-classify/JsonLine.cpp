@@ -20,7 +20,7 @@ QString written(const QJsonArray& array)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Compact));
 }
 
-// Nearly every text needs no escaping and is only put in quotes. The others are left to Qt.
+// Most texts need no escaping, only quotes. The others are left to Qt.
 QString quoted(const QString& text)
 {
     if (std::none_of(text.cbegin(), text.cend(), isEscaped))
@@ -49,7 +49,7 @@ QString occasionsOf(const VLEventFolderClassificationResult& result)
     return occasions.isEmpty() ? u"[]"_s : written(array);
 }
 
-// Listings that differ only in the system's reason have the same name, which is given once.
+// Listings that differ only in the system's reason have the same name, which appears once.
 QString incompleteNames(const QList<IncompleteListing>& listings)
 {
     QStringList names;
@@ -61,14 +61,13 @@ QString incompleteNames(const QList<IncompleteListing>& listings)
 
 } // namespace
 
-// The line is put together by hand, because a QJsonObject for each folder would take as long as the
-// rest of the run.
+// The line is put together by hand, because a QJsonObject for each folder would take much longer.
 QString jsonLine(const JsonFolder& folder, int prefix)
 {
     const QString path = folder.result.directory().absoluteFilePath();
     const VLEventFolderType type = folder.result.classification();
     QString line = u"{\"files\":"_s + QString::number(folder.fileCount);
-    // Only an incomplete folder has this member, so that a reader can search for it.
+    // Only a folder whose listing is incomplete has this member, so that users can search for it.
     if (!folder.incomplete.isEmpty())
         line += u",\"incomplete\":"_s + incompleteNames(folder.incomplete);
     line += u",\"occasions\":"_s + occasionsOf(folder.result);

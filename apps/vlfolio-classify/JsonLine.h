@@ -8,7 +8,7 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-/// What a line of --json tells of a folder.
+/// What a line of --json says about a folder.
 struct JsonFolder
 {
     VLEventFolderClassificationResult result;
@@ -17,6 +17,6 @@ struct JsonFolder
     QList<IncompleteListing> incomplete;
 };
 
-/// Returns \a folder as a JSON object on one line. \a prefix is how many code units
-/// at the start of the absolute path are left out of the relative one.
+/// Returns \a folder as a JSON object on one line. \a prefix is how many UTF-16 code units are left
+/// out at the start of the absolute path to make the relative one.
 [[nodiscard]] QString jsonLine(const JsonFolder& folder, int prefix);

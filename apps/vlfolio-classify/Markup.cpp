@@ -6,8 +6,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Whether a browser starts a tag or a comment where \a next follows a "<". A "<" between blanks is
-// only text.
+// Returns true if a browser starts a tag or a comment where \a next follows a "<". Before a blank,
+// for instance, a "<" is only text.
 bool startsMarkup(QChar next)
 {
     const char16_t unit = next.unicode();
@@ -15,7 +15,7 @@ bool startsMarkup(QChar next)
         || unit == u'/' || unit == u'?';
 }
 
-// Whether there is markup in \a text, from the position \a from on.
+// Returns true if there is markup in \a text, at the position \a from or after it.
 bool holdsMarkup(const QString& text, qsizetype from)
 {
     for (qsizetype sign = text.indexOf(u'<', from); sign >= 0;
@@ -26,8 +26,8 @@ bool holdsMarkup(const QString& text, qsizetype from)
     return false;
 }
 
-// Where markup can begin that the row of the folder above does not hold. That is one character
-// before the last slash: a name that ends with "<" becomes markup by the slash behind it.
+// Returns where markup can begin that is not in the row of the folder above already. That is one
+// character before the last slash, because a slash after a name that ends with "<" makes it markup.
 qsizetype startOfNewPart(const QString& path)
 {
     return std::max<qsizetype>(path.lastIndexOf(u'/') - 1, 0);

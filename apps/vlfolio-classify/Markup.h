@@ -6,17 +6,17 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// Markup in the report, which holds names as they are.
+/// Finds markup in the report, which contains names as they are.
 namespace Markup {
 
 /// Returns the folders of \a results, the outcome of a walk from \a rootPath, in whose rows a
-/// browser finds markup that is not in the row of the folder above already. They are given as paths
-/// below the root; the root itself is given as its full path.
+/// browser finds markup that is not in the row of the folder above already. They are returned as
+/// paths relative to the root, and the root itself as its absolute path.
 [[nodiscard]] QStringList folders(const QList<VLEventFolderClassificationResult>& results,
                                   const QString& rootPath);
 
-/// Returns one line saying that the names of \a folders hold markup, and naming the first three.
-/// \a folders must not be empty.
+/// Returns one line which says that the names of \a folders contain markup, and lists the first
+/// three. \a folders must not be empty.
 [[nodiscard]] QString sentence(const QStringList& folders);
 
 } // namespace Markup

@@ -13,7 +13,7 @@ struct OptionRow
     QLatin1StringView names;
     /// What the value is called; empty for an option without one.
     QLatin1StringView valueName;
-    /// What it does, in whole sentences.
+    /// What the option does, in whole sentences.
     QLatin1StringView description;
 };
 

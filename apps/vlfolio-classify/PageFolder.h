@@ -7,13 +7,13 @@
 #include <QtCore/QList>
 #include <QtCore/QString>
 
-/// What the page shows of a folder.
+/// What the page shows about a folder.
 struct PageFolder
 {
     VLEventFolderClassificationResult result;
     FolderReasons::Reason reason;
     qsizetype fileCount = 0;
-    /// What its listings lack, and why; empty if they are complete.
+    /// Why its listings are incomplete; empty if they are complete.
     QString incompleteReasons;
 
     [[nodiscard]] bool isOfType(VLEventFolderTypeEnum type) const
@@ -23,7 +23,7 @@ struct PageFolder
     [[nodiscard]] bool isComplete() const { return incompleteReasons.isEmpty(); }
 };
 
-/// How many folders there are, and files in them.
+/// A number of folders and of the files in them.
 struct PageAmount
 {
     qsizetype folders = 0;

@@ -7,8 +7,8 @@
 /// The words of the page.
 namespace PageText {
 
-/// Returns \a name escaped for use within an HTML element. Characters that would only steer the
-/// text around them are replaced by visible ones.
+/// Returns \a name escaped for use within an HTML element, with invisible characters, which would
+/// only affect the text around them, replaced by visible ones.
 [[nodiscard]] QString shown(const QString& name);
 
 /// Returns \a number with its thousands separated.

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// The folder above \a path; empty for the root of the file system.
+// Returns the folder above \a path, or an empty string for the root of the file system.
 QString parentOf(const QString& path)
 {
     const qsizetype slash = path.lastIndexOf(u'/');
@@ -23,7 +23,8 @@ QString parentOf(const QString& path)
     return path.size() > 1 ? u"/"_s : QString();
 }
 
-// Returns the folder above \a path that \a target is, if it is one of them.
+// Returns the path of \a target if it is one of the folders above \a path, at any level, or
+// otherwise an empty string.
 QString folderAbove(const QString& path, const FileIdentity& target)
 {
     QString above = parentOf(path);
@@ -84,8 +85,8 @@ void ProgramPlatform::tellLeftOut() const
         for (const IncompleteListing& listing : listings)
             Terminal::complain(incompleteReason(path, listing));
     }
-    for (const Circle& circle : std::as_const(m_circles))
-        Terminal::complain(u"%1 leads back to %2, not followed"_s.arg(circle.link, circle.folder));
+    for (const Cycle& cycle : std::as_const(m_cycles))
+        Terminal::complain(u"%1 leads back to %2, not followed"_s.arg(cycle.symlink, cycle.folder));
     for (const Exclusion& exclusion : m_exclusions) {
         if (!exclusion.matched)
             Terminal::complain(u"--exclude '%1' matched no folder"_s.arg(exclusion.pattern));
@@ -99,7 +100,7 @@ bool ProgramPlatform::openFile(const QString& path, const QStringList& arguments
         return true;
     // The program ignores SIGXFSZ. An application that it starts must not inherit that.
     const auto previous = std::signal(SIGXFSZ, SIG_DFL);
-    // The built-in service would log a warning. The program has a message of its own.
+    // The warning of the built-in service is not logged, because the program has its own message.
     auto* const category = QLoggingCategory::defaultCategory();
     const bool warned = category->isWarningEnabled();
     category->setEnabled(QtWarningMsg, false);
@@ -130,13 +131,14 @@ QStringList ProgramPlatform::getDirectSubdirectoriesInDirectory(const QDir& dire
     m_walkedFolders.fetch_add(1, std::memory_order_relaxed);
     const QString path = directory.path();
     const FileIdentity entry = FileIdentity::ofEntry(path);
-    const FileIdentity folder = entry.isLink() ? FileIdentity(path) : entry;
-    // Noted here, since asking once more for each folder whose files are counted would take time.
+    const FileIdentity folder = entry.isSymlink() ? FileIdentity(path) : entry;
+    // This is noted during the walk, because finding it out again for each folder whose files are
+    // counted would take time.
     if (m_expectedDirectory == folder)
         m_foldersOfExpected.append(path);
-    if (entry.isLink() && path != m_rootPath) {
+    if (entry.isSymlink() && path != m_rootPath) {
         if (const QString above = folderAbove(path, folder); !above.isEmpty()) {
-            m_circles.append({ path, above });
+            m_cycles.append({ path, above });
             return {};
         }
     }
@@ -154,8 +156,8 @@ void ProgramPlatform::listingIncomplete(const QDir& directory, ListingProblem pr
         listings.append(listing);
 }
 
-// All patterns are tried even if one has matched already, because each that matches no folder at
-// all is told to the user.
+// All patterns are tried even if one has matched already, because the user is told about each that
+// matches no folder.
 bool ProgramPlatform::isExcluded(const QString& name) const
 {
     bool excluded = false;

@@ -16,9 +16,9 @@
 #include <optional>
 #include <vector>
 
-/// The platform service of the program, in use for as long as it lives. The walk and the report
-/// list folders through it, so this is where folders are left out and counted, and where incomplete
-/// listings are noted.
+/// The platform service of the program, which is in use for as long as the object lives. As the
+/// walk and the report list folders through it, it leaves out and counts folders, and notes
+/// incomplete listings.
 class ProgramPlatform : public VLPlatformIndependent
 {
 public:
@@ -28,28 +28,29 @@ public:
     ~ProgramPlatform() override;
     Q_DISABLE_COPY_MOVE(ProgramPlatform)
 
-    /// Lets openFile() open what it is asked for. Without it, nothing is opened.
+    /// Allows openFile() to open files. Unless this is called, it does nothing.
     void allowOpening();
-    /// Makes getDirectFilesInDirectory() list the file at \a path even while it does not exist yet,
-    /// in whichever folders the walk has then found to be its folder.
+    /// Makes getDirectFilesInDirectory() list the file at \a path even before it exists, in each
+    /// folder of the walk that is the directory of the file, by whatever path.
     void expectFile(const QString& path);
 
-    /// How many folders the walk has read. May be called from any thread.
+    /// Returns how many folders the walk has read. May be called from any thread.
     [[nodiscard]] int walkedFolders() const;
-    /// In how many folders the files were counted. May be called from any thread.
+    /// Returns in how many folders the files were counted. May be called from any thread.
     [[nodiscard]] int countedFolders() const;
 
-    /// Returns what the listings of the folder at \a path lacked, without duplicates.
+    /// Returns the incomplete listings of the folder at \a path, without duplicates.
     [[nodiscard]] QList<IncompleteListing> incompleteListings(const QString& path) const;
-    /// Writes a line to standard error for each incomplete listing, for each link that leads back,
-    /// and for each pattern of a folder to exclude that matched none.
+    /// Writes a line to standard error for each incomplete listing, for each symlink that leads
+    /// back to a folder above it, and for each exclusion that matched no folder.
     void tellLeftOut() const;
 
     /// Opens the file if allowOpening() was called, and otherwise does nothing and returns true.
     bool openFile(const QString& path, const QStringList& arguments,
                   const QString& application) override;
     [[nodiscard]] QStringList getDirectFilesInDirectory(const QDir& directory) const override;
-    /// Leaves out what is excluded, and everything below a link that leads back.
+    /// Leaves out excluded folders, and everything below a symlink that leads back to a folder
+    /// above it.
     [[nodiscard]] QStringList
     getDirectSubdirectoriesInDirectory(const QDir& directory) const override;
 
@@ -64,9 +65,9 @@ private:
         QRegularExpression expression;
         bool matched = false;
     };
-    struct Circle
+    struct Cycle
     {
-        QString link;
+        QString symlink;
         QString folder;
     };
 
@@ -78,12 +79,12 @@ private:
     QString m_expectedPath;
     std::optional<FileIdentity> m_expectedDirectory;
     QString m_expectedName;
-    // By whatever path the walk has come to the directory of the expected file.
+    // The paths by which the walk has come to the directory of the expected file.
     mutable QStringList m_foldersOfExpected;
     mutable std::atomic<int> m_walkedFolders = 0;
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
-    mutable QList<Circle> m_circles;
-    // This is neither a QMap nor a QHash, because these end the program where there is no memory.
+    mutable QList<Cycle> m_cycles;
+    // A QMap or a QHash would end the program when memory runs out.
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;
 };

@@ -19,7 +19,7 @@ constexpr auto clearLine = "\r\033[K";
 
 using Line = std::array<char, 120>;
 
-// On some terminals, a line that fills the last column would be followed by an empty one.
+// Some terminals would put an empty line after one that reaches the last column.
 bool fits(int length)
 {
     return length < Terminal::errorLineWidth();
@@ -35,7 +35,7 @@ Progress::Progress(const ProgramPlatform& platform)
     try {
         m_thread = std::thread(&Progress::run, this);
     } catch (const std::system_error&) {
-        // The work goes on where the system has no thread to spare; nothing is shown of it.
+        // If the system has no thread to spare, the run goes on without showing progress.
     }
 }
 
@@ -57,7 +57,7 @@ void Progress::lookAgain(const char* step, int total)
     m_step = step;
 }
 
-// This allocates no memory: there may be none left, and nothing catches what this thread throws.
+// This function must not allocate memory, because nothing would catch an exception on this thread.
 void Progress::show() const
 {
     Line full {};

@@ -7,8 +7,9 @@
 
 class ProgramPlatform;
 
-/// Shows on standard error that a long run goes on, from a thread of its own: nothing at first,
-/// then a line that is written over. Silent unless standard error is a terminal that can do that.
+/// Shows the progress of a long run on standard error, from a thread of its own: nothing at first,
+/// then a line that is overwritten again and again. It shows nothing unless standard error is a
+/// terminal that can do that.
 class Progress
 {
 public:
@@ -19,8 +20,8 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Tells that the walk is done and that the files in \a total folders are going to be counted.
-    /// The line then begins with \a step, which is not copied.
+    /// Has to be called after the walk, before the files in \a total folders are counted. From then
+    /// on the line begins with \a step, which is not copied.
     void lookAgain(const char* step, int total);
 
 private:
@@ -28,7 +29,7 @@ private:
     void show() const;
 
     const ProgramPlatform& m_platform;
-    // This is null during the walk.
+    // The start of the line, or null during the walk.
     std::atomic<const char*> m_step = nullptr;
     std::atomic<int> m_total = 0;
     std::mutex m_mutex;

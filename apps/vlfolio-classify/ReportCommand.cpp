@@ -52,14 +52,14 @@ bool passOn(QString& text, QFile& file)
     return WholeFile::writeAll(file, bytes);
 }
 
-// Writes the report as renderToFile() does, which cannot be used because it does not notice when a
-// write falls short. Nor does a stream on the file: it goes on with the next write after one that
-// was lost.
+// Writes the report as renderToFile() does. That function is not used, because it does not notice a
+// write that fails. A stream on the file is not used either, because after a failed write it goes
+// on with the next one.
 bool writeReport(const Results& results, int rootPathLength, QFile& file)
 {
     constexpr qsizetype pieceSize = 1 << 13;
-    // The lists are filled by append(). An initializer list, or a shared copy that sorting
-    // detaches, crashes where memory is short.
+    // The lists are filled by append(), because an initializer list, or a shared copy that sorting
+    // detaches, crashes if there is no memory for it.
     QStringList nameFilters;
     nameFilters.append(u"*.*"_s);
     const Renderer renderer({}, rootPathLength, nameFilters);

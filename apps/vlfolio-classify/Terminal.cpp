@@ -56,7 +56,7 @@ void write(std::FILE* stream, const QString& text)
 
 void Terminal::occupyClosedStreams()
 {
-    // Each call takes the lowest free descriptor. The device is opened for reading only, so that
+    // Each call returns the lowest free descriptor. The device is opened for reading only, so that
     // writing to a closed stream remains an error.
     int descriptor = 0;
     do {

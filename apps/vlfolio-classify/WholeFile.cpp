@@ -18,8 +18,8 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr auto directoryPrefix = ".vlfolio-classify-";
-// The name is the same in every directory, so that it is known what to remove from one that was
-// left behind.
+// The name is the same in every such directory, so that the file can be found and removed from one
+// that was left behind.
 constexpr auto fileName = "new";
 constexpr std::time_t oneDay = 24 * 60 * 60;
 
@@ -41,8 +41,8 @@ void closeIfOpen(int descriptor)
 }
 
 // Another user may have put a directory in the place of the one just made. Its owner is therefore
-// compared with that of a new file in it. The user's id would not do, because some file systems
-// give everything one owner, whoever made it.
+// compared with that of a new file in it, not with the user's ID, because on some file systems
+// everything has the same owner, whoever made it.
 bool isOwn(int directory)
 {
     const int file =
@@ -81,8 +81,8 @@ bool isSameDirectory(int directory, const char* path)
         && wanted.st_dev == found.st_dev && wanted.st_ino == found.st_ino;
 }
 
-// Some file systems cannot be asked to write out what they hold back. That is no failure.
-bool isSentOff(int file)
+// Some file systems do not support fsync(), which is no failure.
+bool isFlushed(int file)
 {
     return fsync(file) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
@@ -120,7 +120,7 @@ QString WholeFile::error() const
 QString WholeFile::writingPath() const
 {
     // A path through the descriptor leads to the same directory even if that is moved and another
-    // one put in its place. Not every system has such paths.
+    // one is put in its place. Not every system has such paths.
     QByteArray path = "/proc/self/fd/" + QByteArray::number(m_directory);
     if (!isSameDirectory(m_directory, path.constData()))
         path = m_parentPath + '/' + m_directoryName;
@@ -130,7 +130,7 @@ QString WholeFile::writingPath() const
 QString WholeFile::commit()
 {
     const int file = openat(m_directory, fileName, O_RDONLY | O_NOFOLLOW | O_CLOEXEC);
-    const bool isInPlace = file >= 0 && isSentOff(file)
+    const bool isInPlace = file >= 0 && isFlushed(file)
         && renameat(m_directory, fileName, m_parent, m_name.constData()) == 0;
     QString error = isInPlace ? QString() : Terminal::errorText(errno);
     closeIfOpen(file);
@@ -154,8 +154,7 @@ QString WholeFile::obstacle(const QString& path, bool isGiven)
 
 bool WholeFile::writeAll(QFile& file, const QByteArray& bytes)
 {
-    // A write that falls short gives no reason. Writing the rest does: it writes nothing, and
-    // fails.
+    // A write that is incomplete sets no error. The next one, of the rest, does.
     qint64 written = 0;
     for (qint64 sum = 0; sum < bytes.size(); sum += written) {
         written = file.write(bytes.constData() + sum, bytes.size() - sum);

@@ -12,7 +12,7 @@ using namespace PageText;
 
 namespace {
 
-// A bar of the chart: what lies nearest below one year folder.
+// A bar of the chart, which stands for one year folder.
 struct Bar
 {
     QString label;
@@ -23,7 +23,7 @@ struct Bar
 constexpr qsizetype maximumBars = 60;
 constexpr int barDistance = 24;
 
-// Returns a bar for each year, in the order of the tree, and a last one for what lies in no year.
+// Returns a bar for each year, in the order of the tree, and a last one for the folders in no year.
 QList<Bar> barsOf(const QList<PageFolder>& folders, qsizetype prefix)
 {
     constexpr qsizetype none = 0;
@@ -64,7 +64,7 @@ QList<Bar> fitting(const QList<Bar>& bars)
     return kept;
 }
 
-// Returns a bar that begins at \a start, with its number behind it. Positions and widths are in
+// Returns a bar that begins at \a start, followed by its number. Positions and widths are in
 // percent of the width of the chart.
 QString barOf(QLatin1StringView kind, qsizetype amount, qsizetype largest, double start, int top)
 {
@@ -99,7 +99,7 @@ QString chartText(const QList<Bar>& bars)
     return texts.join(u"; "_s);
 }
 
-// Only the last name of a path is kept, because it says more than those before it.
+// Only the last component of a path is kept, because it says more than those before it.
 QString shortened(const QString& path)
 {
     const qsizetype nameStart = path.lastIndexOf(u'/') + 1;

@@ -10,6 +10,7 @@
 /// itself, and everything below it that is not in a year folder further down.
 ///
 /// \param folders all folders of a walk, in its order.
-/// \param prefix how many code units at the start of an absolute path are left out of a year's
-/// name.
+/// \param prefix how many UTF-16 code units are left out at the start of an absolute path to make
+/// the
+///     name of a year.
 [[nodiscard]] QString yearChart(const QList<PageFolder>& folders, qsizetype prefix);

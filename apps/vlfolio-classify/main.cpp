@@ -70,9 +70,9 @@ int run(const CommandLine& commandLine)
     }
 }
 
-// Returns the arguments as they are on the command line, or nothing if one is not UTF-8: decoded,
-// it would name another file. QString::fromUtf8() is not used, because it drops a byte order mark
-// at the beginning.
+// Returns the arguments, or nothing if one of them is not valid UTF-8, because it would name
+// another file when it is decoded. QString::fromUtf8() is not used, because it drops a byte order
+// mark at the beginning.
 std::optional<QStringList> decodedArguments(int argc, char* argv[], QString* error)
 {
     QStringList arguments;
@@ -88,11 +88,11 @@ std::optional<QStringList> decodedArguments(int argc, char* argv[], QString* err
     return arguments;
 }
 
-// No QCoreApplication: the program has no events, and making one would take GLib's dispatcher,
-// which ends the process where there is no memory.
+// The program makes no QCoreApplication: it has no events, and GLib's event dispatcher would end
+// the process when memory runs out.
 int runProgram(int argc, char* argv[])
 {
-    // The log of a service is noise on a terminal. QT_LOGGING_RULES brings it back.
+    // The service log would be noise on a terminal. QT_LOGGING_RULES can enable it.
     QLoggingCategory::setFilterRules(u"vl.folio.service.info=false"_s);
 
     QString error;
@@ -106,15 +106,15 @@ int runProgram(int argc, char* argv[])
     return run(*commandLine);
 }
 
-// The other messages are put together in memory that has to be allocated; this one is not.
+// This message needs no memory, unlike those of Terminal::complain().
 int tellLackOfMemory()
 {
     std::fputs("vlfolio-classify: out of memory\n", stderr);
     return EXIT_FAILURE;
 }
 
-// Some functions of Qt are noexcept and allocate memory all the same. This tells the user that it
-// ran out before the process ends.
+// Some functions of Qt allocate memory although they are noexcept. When it runs out there, the user
+// is told so before the process ends.
 [[noreturn]] void endForGood()
 {
     try {
@@ -133,11 +133,10 @@ int tellLackOfMemory()
 int main(int argc, char* argv[])
 {
     Terminal::occupyClosedStreams();
-    // The system's messages come in the user's language, but always in UTF-8.
+    // The system's error messages are in the user's language, but always in UTF-8.
     std::setlocale(LC_ALL, "");
     std::setlocale(LC_CTYPE, "C.UTF-8");
-    // Where the size of files is limited, writing then fails with an error, as it does on a full
-    // disk.
+    // Where the size of files is limited, a write then fails with an error, as on a full disk.
     std::signal(SIGXFSZ, SIG_IGN);
     std::set_terminate(endForGood);
     try {
