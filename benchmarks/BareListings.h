@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-/// The least that any run has to do, with nothing but the system's own calls.
+/// The least that any run has to do, with the C library alone.
 namespace BareListings {
 
 struct Counts
@@ -13,8 +13,8 @@ struct Counts
 };
 
 /// Lists the tree below \a root for its folders, and then each of these folders once more for its
-/// files. Hidden entries are left out, links are not followed. The file system must tell the type
-/// of an entry with its name, as tmpfs, ext4, btrfs, XFS and APFS do.
+/// files. Hidden entries are left out, and symlinks are not followed. The file system must return
+/// the file type of an entry along with its name, as tmpfs, ext4, btrfs, XFS and APFS do.
 [[nodiscard]] Counts twice(const std::string& root);
 
 } // namespace BareListings

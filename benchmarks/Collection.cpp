@@ -107,7 +107,7 @@ Collection::Counts makeFlat(const QString& root, int folders, int files)
 {
     Collection::Counts counts;
     for (int folder = 0; folder < folders; ++folder) {
-        // Four digits in a row, from 2 on, would be a year.
+        // Without the hyphen, four digits that begin with 2 would be a year.
         const QString number = twoDigits(folder / 100) + u'-' + twoDigits(folder % 100);
         const bool dated = folder % 2 == 0;
         makeFolder(root + (dated ? u"/2019-07-14 No "_s : u"/Trip "_s) + number, files);
@@ -118,7 +118,7 @@ Collection::Counts makeFlat(const QString& root, int folders, int files)
 
 Collection::Counts makeChain(const QString& root, int levels, int files)
 {
-    // Room for the files in the last folder.
+    // This leaves room for the names of the files in the last folder.
     constexpr int longestPath = PATH_MAX - 32;
     Collection::Counts counts;
     QString path = root;

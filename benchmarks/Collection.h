@@ -22,8 +22,9 @@ struct Counts
 };
 
 enum class Layout {
-    /// Years, each with twelve months, each with events. Files are in the events; of five events
-    /// two hold the folder of a day and one some other folder, which are empty.
+    /// Years, each with twelve months, each with events. The files are in the events. Of five
+    /// events,
+    /// two contain an empty day folder and one some other empty folder.
     Calendar,
     /// Folders side by side, with files in each.
     Flat,
@@ -35,9 +36,10 @@ struct Shape
 {
     std::string_view name;
     Layout layout;
-    /// Years, folders or levels; 0 levels are as many as the system's longest path admits.
+    /// How many years, folders or levels; 0 stands for as many levels as the system allows in a
+    /// path.
     int size;
-    /// Of a month.
+    /// How many events each month has.
     int events;
 };
 
@@ -49,15 +51,15 @@ inline constexpr std::array shapes {
     Shape { "deep", Layout::Chain, 0, 0 },
 };
 
-/// The shape of that name, or nullptr.
+/// Returns the shape of that name, or nullptr.
 [[nodiscard]] const Shape* shapeNamed(std::string_view name);
 
 /// Makes a collection in the existing, empty directory \a root, with \a files empty files in each
-/// folder that holds some. Ends the program when that fails.
+/// folder that contains files. Ends the program if that fails.
 Counts make(const Shape& shape, const QString& root, int files);
 
-/// Where collections are best made: in memory if the system offers that, so that no disk is
-/// measured, or else in the directory for temporary files.
+/// Returns the directory in which collections are made: one in memory, so that no disk is measured,
+/// or that for temporary files if the system has none in memory.
 [[nodiscard]] QString preferredDirectory();
 
 } // namespace Collection

@@ -22,7 +22,7 @@ enum Language { C, English, German };
 struct FolderName
 {
     QString name;
-    // What it is in each of the languages.
+    // Its type in each of the languages.
     std::array<VLEventFolderTypeEnum, 3> types;
 };
 
@@ -82,7 +82,7 @@ QList<NameClass> nameClasses()
     const QList<FolderName> months {
         { u"07"_s, { month, month, month } },
         { u"12"_s, { month, month, month } },
-        // The narrow names of the days are numbers in no language.
+        // In the C locale, the narrow names of days are numbers.
         { u"7"_s, { day, month, month } },
         { u"July"_s, { month, month, none } },
         { u"Juli"_s, { none, none, month } },
@@ -118,7 +118,7 @@ std::optional<Language> languageOf(const QLocale& locale)
     }
 }
 
-// Days count in the language of either locale, months in that of the system, which was the first
+// Days are read in the languages of both locales, months in that of the system, which was the first
 // default locale of this process.
 VLEventFolderTypeEnum expectedType(const FolderName& name, Language system, Language defaultOne)
 {

@@ -47,7 +47,7 @@ public:
     QString openedFile;
 };
 
-// A collection that lives as long as the process.
+// A collection that exists as long as the process.
 struct Made
 {
     Made(const Collection::Shape& shape, int files)
@@ -59,7 +59,7 @@ struct Made
         counts = Collection::make(shape, root, files);
     }
 
-    // Reports on the side, where they do not count as a file of the root.
+    // Returns a path outside the collection, where the report does not count as a file of the root.
     [[nodiscard]] QString sideReport() const { return parent.filePath(u"report.html"_s); }
 
     QTemporaryDir parent;
@@ -191,7 +191,7 @@ constexpr std::array allSteps { Step { "floor", measureFloor }, Step { "walk", m
                                 Step { "plain", measurePlainWalk },
                                 Step { "render", measureRender }, Step { "start", measureStart } };
 
-// The plain evaluation takes about a minute on the deepest chain that there can be.
+// The reference implementation would take too long on the deepest chain that there can be.
 bool isWorthwhile(const Collection::Shape& shape, const Step& step)
 {
     return shape.name != "deep" || step.measure != measurePlainWalk;

@@ -1,6 +1,6 @@
 #include <QtCore/QCoreApplication>
 
-// What the start and the end of every program of this kind cost.
+// The least that the start and the end of a program with Qt cost.
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);

@@ -12,16 +12,17 @@
 
 using namespace Qt::StringLiterals;
 
-// Qt reads the language of the system from the environment, once. So each one is a run of its own:
+// Qt reads the language of the system from the environment once. Each language therefore takes a
+// run of its own:
 //
 //     LC_ALL=de_DE.UTF-8 vlfolio-benchmarks --benchmark_filter=names
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
-    // Qt has set the C library's locale. Numbers in options and results have a point.
+    // Qt has set the C library's locale, but numbers in options and results need a decimal point.
     std::setlocale(LC_NUMERIC, "C");
     QLoggingCategory::setFilterRules(u"default.debug=false\nvl.folio.service.info=false"_s);
-    // The months of the process are those of the system locale, whatever is measured first.
+    // This makes the months those of the system locale, whatever is measured first.
     if (!VLFolioEventClassifier(QFileInfo()).matchesMonth(u"7"_s))
         return 1;
 

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Bytes of the process that are in memory now.
+// Returns how many bytes of the process are in memory now.
 double residentSize()
 {
 #if defined(Q_OS_MACOS)
@@ -32,8 +32,8 @@ double residentSize()
 
 } // namespace
 
-// vlfolio-memory DIRECTORY: prints how many folders a walk found, and how many bytes more for each
-// of them are in memory when it ends and the results are still held.
+// vlfolio-memory DIRECTORY: prints how many folders a walk found, and by how many bytes for each of
+// them the process has grown when it ends, while the results are kept.
 int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
@@ -43,7 +43,7 @@ int main(int argc, char* argv[])
     }
     const QFileInfo root(QFile::decodeName(argv[1]));
     VLFolioEventClassifier classifier(root);
-    // What a process needs once for the patterns and the locales is no cost of a folder.
+    // The memory that a process needs once, for patterns and locales, is not counted.
     if (classifier.eventFolderType(QStringLiteral("Beach")) != VLEventFolderTypeEnum::Unknown)
         return EXIT_FAILURE;
 

@@ -1,5 +1,4 @@
-// One whole run: classifies the collection in DIRECTORY, writes the report there and has the
-// desktop open it.
+// A whole run: classifies the collection in DIRECTORY, writes the report there and opens it.
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 

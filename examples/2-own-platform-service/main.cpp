@@ -1,4 +1,5 @@
-// A service of the host's own: the report in DIRECTORY is not opened, the host is only told of it.
+// A platform service of the host's own: the report in DIRECTORY is not opened, but the host learns
+// of it.
 
 #include <VLCore/VLPlatformIndependent.h>
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
@@ -31,6 +32,6 @@ int main(int argc, char* argv[])
     VLFolioEventClassifier classifier(QFileInfo(QCoreApplication::arguments().value(1)));
     classifier.start();
 
-    // The service goes at the end of this block; nobody may be left with it.
+    // The service is destroyed at the end of this block and must not be in use then.
     VLPlatformIndependent::setInstance(nullptr);
 }

@@ -1,4 +1,4 @@
-// The results themselves: prints the events in DIRECTORY, and writes nothing.
+// The results without a report: prints the events in DIRECTORY and writes no file.
 
 #include <VLFolioEventClassifier/VLEventFolderClassificationResultList.h>
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>

@@ -1,5 +1,5 @@
 // The language of the host's user in place of that of the system. It is set before the first name
-// is looked at: months stay in the language of that moment.
+// is classified, because names of months stay in the language of that moment.
 
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
 

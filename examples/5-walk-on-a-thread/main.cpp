@@ -1,5 +1,5 @@
-// A walk of DIRECTORY on a worker thread, with progress and cancel. It is cancelled here when two
-// folders have been read, as by a button: what is found until then is kept.
+// A walk of DIRECTORY on a worker thread, with progress and a way to cancel. Here it is cancelled
+// after two folders were read, as by a button, and the results up to there are kept.
 
 #include <VLCore/VLPlatformIndependent.h>
 #include <VLFolioEventClassifier/VLFolioEventClassifier.h>
