@@ -306,7 +306,7 @@ constexpr std::array deathsInQt {
     Callers { "VLEnumToStringTable<VLEventFolderTypeEnum>::insert("_L1,
               "VLEventFolderType::fillTable("_L1 },
     // The registry of categories is such a hash; only the first message registers.
-    Callers { "__cxa_throw"_L1, "QLoggingCategory::init("_L1 },
+    Callers { "operator new"_L1, "QLoggingCategory::init("_L1 },
     // A list made of an initializer list is not checked; once in a process.
     Callers { "QGregorianCalendar::nameList("_L1, "QCalendar::QCalendar("_L1 },
     // Qt 6.11.2 asks for the settings of the system in a function that is noexcept.
