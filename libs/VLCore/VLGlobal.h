@@ -23,8 +23,10 @@
 
 /// Gives a class that declares a destructor the copy and move operations that the compiler would
 /// otherwise generate.
+// NOLINTBEGIN(bugprone-macro-parentheses): no parentheses can stand around the name of a class.
 #define VL_DEFAULT_COPY_MOVE(Class)                                                                \
     Class(const Class&) = default;                                                                 \
     Class(Class&&) noexcept = default;                                                             \
     Class& operator=(const Class&) = default;                                                      \
     Class& operator=(Class&&) noexcept = default;
+// NOLINTEND(bugprone-macro-parentheses)
