@@ -45,8 +45,7 @@ enum class Wanted {
     /// Regular files and symlinks to them. Invalid UTF-8 in their names is replaced.
     Files,
     /// Directories and symlinks to anything but regular files, as with QDir::Dirs. Those whose
-    /// names
-    /// are not valid UTF-8 are left out, because no QString can hold the path to them.
+    /// names are not valid UTF-8 are left out, because no QString can hold the path to them.
     Directories,
 };
 
