@@ -29,14 +29,15 @@ inline constexpr std::array optionTable {
                 "a chart and a search."_L1 },
     OptionRow { "list"_L1, ""_L1, "Write no report; print a line for each folder."_L1 },
     OptionRow { "json"_L1, ""_L1,
-                "Write no report; print a JSON object for each folder, one a line."_L1 },
+                "Write no report; print a JSON object for each folder, one per line."_L1 },
     OptionRow { "summary"_L1, ""_L1,
                 "Write no report; print how many folders of each type there are."_L1 },
     OptionRow { "why"_L1, ""_L1, "With --list: end each line with the reason for the type."_L1 },
-    OptionRow { "type"_L1, "NAMES"_L1,
-                "With --list, --json or --summary: only folders of these types (Unknown, Root, "
-                "Year, Month, Day, Event or ProjectFolder, in any letter case, parted by commas). "
-                "May be repeated."_L1 },
+    OptionRow {
+        "type"_L1, "NAMES"_L1,
+        "With --list, --json or --summary: only folders of these types (Unknown, Root, "
+        "Year, Month, Day, Event or ProjectFolder, in any letter case, separated by commas). "
+        "May be repeated."_L1 },
     OptionRow { "exclude"_L1, "GLOB"_L1,
                 "Leave out folders of such names and everything below them, for example @eaDir or "
                 "'*.photoslibrary'. May be repeated."_L1 },

@@ -15,7 +15,7 @@ same() {
     fi
 }
 
-# The options that a text on standard input names, one a line.
+# The options that a text on standard input names, one per line.
 options() {
     { grep -oE -- '(^|[^[:alnum:]_-])--?[a-z][a-z-]*' || true; } | sed 's/^[^-]*//' | sort -u
 }
