@@ -15,6 +15,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QLocale>
 #include <QtCore/QRegularExpression>
+#include <QtCore/QStringBuilder>
 #include <QtCore/QStringList>
 
 #include <algorithm>
@@ -162,8 +163,10 @@ Q_NEVER_INLINE QFileInfoList subdirectoriesOf(const QFileInfo& directory)
     if (!path.endsWith(u'/'))
         path.append(u'/');
     QFileInfoList subdirectories;
+    // Joined from a view and a string, since two strings would be joined with room for more, which
+    // the results would keep.
     for (const QString& name : std::as_const(sorted))
-        subdirectories.append(QFileInfo(path + name));
+        subdirectories.append(QFileInfo(QString(QStringView(path) % name)));
     return subdirectories;
 }
 
