@@ -24,9 +24,9 @@ int openDirectory(const QByteArray& path)
 
 // Resolving "." in a directory takes the permission to search it, so that opening "path/." shows
 // without a further call whether the directory is searchable. A path of the greatest length that
-// the system allows has no room for it.
+// the system allows has no room for it, and the empty path must not become that of the root.
 VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
-    : m_descriptor(openDirectory(path + "/."))
+    : m_descriptor(openDirectory(path.isEmpty() ? path : path + "/."))
     , m_error(isOpen() ? 0 : errno)
 {
     if (m_error != EACCES && m_error != ENAMETOOLONG)

@@ -62,6 +62,7 @@ private Q_SLOTS:
     void directories();
     void noDirectory_data();
     void noDirectory();
+    void emptyPathIsNotTheRoot();
     void errorsOfOthersDoNotCount();
     void permissions_data();
     void permissions();
@@ -200,6 +201,15 @@ void tst_VLPlatform::noDirectory()
     for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
         QCOMPARE(listed(wanted, name).names, QStringList());
         QTEST(problemsOf(listed(wanted, name)), "problems");
+    }
+}
+
+void tst_VLPlatform::emptyPathIsNotTheRoot()
+{
+    for (const Wanted wanted : { Wanted::Files, Wanted::Directories }) {
+        const Listing found = VLPlatform::listing(QString(), wanted);
+        QCOMPARE(found.names, QStringList());
+        QCOMPARE(problemsOf(found), line(ListingProblem::Unreadable, ENOENT));
     }
 }
 
