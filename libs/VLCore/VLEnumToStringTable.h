@@ -9,9 +9,8 @@
 
 /// Two-way table between the values of an enumeration and their names.
 ///
-/// The table is filled once, by VLEnumWrapper::fillTable(), and only read afterwards. Its two
-/// directions treat repeats differently: a repeated name leads to the newest value, a repeated
-/// value keeps its oldest name.
+/// VLEnumWrapper::fillTable() fills it once, and from then on it is only read. A name that is
+/// inserted again leads to its newest value, but a value keeps its oldest name.
 ///
 /// \code
 /// VLEnumToStringTable<Colour> table;
@@ -34,48 +33,31 @@ public:
 
     /// Adds one pair.
     ///
-    /// \param name the name as it is to be shown. Its key is the name lower-cased with
-    ///     QString::toLower(), so names that differ only in case are one name, and the last value
-    ///     given for it counts. The empty name is accepted like any other.
-    /// \param value the value. If it has a name already, that name stays.
-    void insert(const QString& name, E value);
+    /// \param name the name as it is to be shown. Names that differ only in case, as
+    ///     QString::toLower() sees it, are one name. The empty name is accepted like any other.
+    /// \param value the value that the name stands for from now on.
+    void insert(const QString& name, E value)
+    {
+        nameToValue.insert(name.toLower(), value);
+        if (!valueToName.contains(value))
+            valueToName.insert(value, name);
+    }
 
     /// Returns the name of \a value, spelled as it was inserted, or an empty (null) string if the
     /// value has none. A combination of flags is a value of its own: its flags are not looked up
     /// one by one.
-    [[nodiscard]] QString nameFor(E value) const;
+    [[nodiscard]] QString nameFor(E value) const { return valueToName.value(value, fallbackName); }
 
     /// Returns the value that \a name stands for, in whatever case it is written, or 0 if the name
     /// is unknown.
-    [[nodiscard]] E valueFor(const QString& name) const;
+    [[nodiscard]] E valueFor(const QString& name) const
+    {
+        return nameToValue.value(name.toLower(), fallbackValue);
+    }
 
 protected:
-    /// Value of each name; the keys are lower-cased.
-    QHash<QString, E> nameToValue;
-    /// Name of each value, spelled as it was inserted.
-    QHash<E, QString> valueToName;
-    /// What a value without a name reads as: empty (null), and never set.
-    QString fallbackName;
-    /// What an unknown name reads as: 0, and never set.
-    E fallbackValue {};
+    QHash<QString, E> nameToValue; ///< Value of each name; the keys are lower-cased.
+    QHash<E, QString> valueToName; ///< Name of each value, spelled as it was inserted.
+    QString fallbackName; ///< What a value without a name reads as: empty (null), and never set.
+    E fallbackValue {};   ///< What an unknown name reads as: 0, and never set.
 };
-
-template <typename E>
-void VLEnumToStringTable<E>::insert(const QString& name, E value)
-{
-    nameToValue.insert(name.toLower(), value);
-    if (!valueToName.contains(value))
-        valueToName.insert(value, name);
-}
-
-template <typename E>
-QString VLEnumToStringTable<E>::nameFor(E value) const
-{
-    return valueToName.value(value, fallbackName);
-}
-
-template <typename E>
-E VLEnumToStringTable<E>::valueFor(const QString& name) const
-{
-    return nameToValue.value(name.toLower(), fallbackValue);
-}

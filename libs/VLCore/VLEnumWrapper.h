@@ -3,7 +3,6 @@
 /// \file
 
 #include "VLEnumToStringTable.h"
-#include "VLGlobal.h"
 
 #include <QtCore/QAtomicPointer>
 #include <QtCore/QMutex>
@@ -27,12 +26,9 @@
 /// ColourType(Colour::Red).enumToStringTable()->nameFor(Colour::Red);
 /// \endcode
 ///
-/// Every comparison is of the numbers: a value that holds a flag among others is not equal to that
-/// flag. There is no `operator>=`; write `!(a < b)`. The order of the virtual functions is part of
-/// the binary interface.
-///
 /// Threads: a plain value. An object that one thread changes while another reads it needs a lock;
-/// enumToStringTable() needs none.
+/// enumToStringTable() needs none. The order of the virtual functions is part of the binary
+/// interface.
 ///
 /// \tparam E an enumeration with a signed 32-bit underlying type.
 template <typename E>
@@ -46,46 +42,84 @@ public:
     VLEnumWrapper() noexcept = default;
     /// Makes the given value; any combination of flags is legal. Implicit on purpose, so that an
     /// enumerator can be passed wherever a wrapper is expected.
-    VLEnumWrapper(E value) noexcept; // NOLINT(google-explicit-constructor)
+    VLEnumWrapper(E value) noexcept // NOLINT(google-explicit-constructor)
+        : m_value(value)
+    {
+    }
     VL_DEFAULT_COPY_MOVE(VLEnumWrapper)
     virtual ~VLEnumWrapper() = default;
 
-    /// Signed comparison of the raw values.
-    [[nodiscard]] virtual bool operator<(const VLEnumWrapper& other) const;
-    /// Signed comparison of the raw values.
-    [[nodiscard]] virtual bool operator<=(const VLEnumWrapper& other) const;
-    /// Signed comparison of the raw values.
-    [[nodiscard]] virtual bool operator>(const VLEnumWrapper& other) const;
-    /// True when the raw values are the same number.
-    [[nodiscard]] virtual bool operator==(const VLEnumWrapper& other) const;
-    /// True when the raw value is \a other.
-    [[nodiscard]] virtual bool operator==(E other) const;
-    /// True when the raw values are different numbers.
-    [[nodiscard]] virtual bool operator!=(const VLEnumWrapper& other) const;
-    /// True when the raw value is not \a other.
-    [[nodiscard]] virtual bool operator!=(E other) const;
-    /// Adds the flags of \a other.
-    virtual VLEnumWrapper& operator|=(const VLEnumWrapper& other);
-    /// Adds the flags of \a other.
-    virtual VLEnumWrapper& operator|=(E other);
-    /// Keeps only the flags that \a other has, too.
-    virtual VLEnumWrapper& operator&=(const VLEnumWrapper& other);
-    /// Keeps only the flags that \a other has, too.
-    virtual VLEnumWrapper& operator&=(E other);
+    /// \{
+    /// Compares the raw values as signed numbers. A value that holds a flag among others is
+    /// therefore not equal to that flag. There is no `operator>=`; write `!(a < b)`.
+    [[nodiscard]] virtual bool operator<(const VLEnumWrapper& other) const
+    {
+        return raw(m_value) < raw(other.m_value);
+    }
+    [[nodiscard]] virtual bool operator<=(const VLEnumWrapper& other) const
+    {
+        return raw(m_value) <= raw(other.m_value);
+    }
+    [[nodiscard]] virtual bool operator>(const VLEnumWrapper& other) const
+    {
+        return raw(m_value) > raw(other.m_value);
+    }
+    [[nodiscard]] virtual bool operator==(const VLEnumWrapper& other) const
+    {
+        return m_value == other.m_value;
+    }
+    [[nodiscard]] virtual bool operator==(E other) const { return m_value == other; }
+    [[nodiscard]] virtual bool operator!=(const VLEnumWrapper& other) const
+    {
+        return m_value != other.m_value;
+    }
+    [[nodiscard]] virtual bool operator!=(E other) const { return m_value != other; }
+    /// \}
+
+    /// \{
+    /// `|=` adds the flags of \a other, and `&=` keeps only those that \a other has, too.
+    virtual VLEnumWrapper& operator|=(const VLEnumWrapper& other)
+    {
+        m_value = E(raw(m_value) | raw(other.m_value));
+        return *this;
+    }
+    virtual VLEnumWrapper& operator|=(E other)
+    {
+        m_value = E(raw(m_value) | raw(other));
+        return *this;
+    }
+    virtual VLEnumWrapper& operator&=(const VLEnumWrapper& other)
+    {
+        m_value = E(raw(m_value) & raw(other.m_value));
+        return *this;
+    }
+    virtual VLEnumWrapper& operator&=(E other)
+    {
+        m_value = E(raw(m_value) & raw(other));
+        return *this;
+    }
+    /// \}
+
     /// The flags that both have, as a raw value.
-    [[nodiscard]] virtual E operator&(const VLEnumWrapper& other) const;
+    [[nodiscard]] virtual E operator&(const VLEnumWrapper& other) const
+    {
+        return E(raw(m_value) & raw(other.m_value));
+    }
     /// The flags that either has, as a raw value.
-    [[nodiscard]] virtual E operator|(const VLEnumWrapper& other) const;
+    [[nodiscard]] virtual E operator|(const VLEnumWrapper& other) const
+    {
+        return E(raw(m_value) | raw(other.m_value));
+    }
     /// The flags of this value that are in \a mask, as a raw value.
-    [[nodiscard]] virtual E reducedTo(E mask) const;
+    [[nodiscard]] virtual E reducedTo(E mask) const { return E(raw(m_value) & raw(mask)); }
     /// True for every value but 0.
-    [[nodiscard]] virtual bool isValid() const;
+    [[nodiscard]] virtual bool isValid() const { return raw(m_value) != 0; }
     /// Inserts the names of all values into \a table, which is empty. Called once per process, with
     /// the lock of enumToStringTable() held, which it therefore must not call.
     virtual void fillTable(VLEnumToStringTable<E>* table) const = 0;
 
     /// The raw value.
-    [[nodiscard]] E value() const noexcept;
+    [[nodiscard]] E value() const noexcept { return m_value; }
 
     /// Returns the table of names, which all objects of the process share. The first call makes
     /// it, with fillTable() of the object on which it was called; it is never freed and never
@@ -101,112 +135,7 @@ private:
     E m_value {};
 };
 
-template <typename E>
-VLEnumWrapper<E>::VLEnumWrapper(E value) noexcept
-    : m_value(value)
-{
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator<(const VLEnumWrapper& other) const
-{
-    return raw(m_value) < raw(other.m_value);
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator<=(const VLEnumWrapper& other) const
-{
-    return raw(m_value) <= raw(other.m_value);
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator>(const VLEnumWrapper& other) const
-{
-    return raw(m_value) > raw(other.m_value);
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator==(const VLEnumWrapper& other) const
-{
-    return m_value == other.m_value;
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator==(E other) const
-{
-    return m_value == other;
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator!=(const VLEnumWrapper& other) const
-{
-    return m_value != other.m_value;
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::operator!=(E other) const
-{
-    return m_value != other;
-}
-
-template <typename E>
-VLEnumWrapper<E>& VLEnumWrapper<E>::operator|=(const VLEnumWrapper& other)
-{
-    m_value = static_cast<E>(raw(m_value) | raw(other.m_value));
-    return *this;
-}
-
-template <typename E>
-VLEnumWrapper<E>& VLEnumWrapper<E>::operator|=(E other)
-{
-    m_value = static_cast<E>(raw(m_value) | raw(other));
-    return *this;
-}
-
-template <typename E>
-VLEnumWrapper<E>& VLEnumWrapper<E>::operator&=(const VLEnumWrapper& other)
-{
-    m_value = static_cast<E>(raw(m_value) & raw(other.m_value));
-    return *this;
-}
-
-template <typename E>
-VLEnumWrapper<E>& VLEnumWrapper<E>::operator&=(E other)
-{
-    m_value = static_cast<E>(raw(m_value) & raw(other));
-    return *this;
-}
-
-template <typename E>
-E VLEnumWrapper<E>::operator&(const VLEnumWrapper& other) const
-{
-    return static_cast<E>(raw(m_value) & raw(other.m_value));
-}
-
-template <typename E>
-E VLEnumWrapper<E>::operator|(const VLEnumWrapper& other) const
-{
-    return static_cast<E>(raw(m_value) | raw(other.m_value));
-}
-
-template <typename E>
-E VLEnumWrapper<E>::reducedTo(E mask) const
-{
-    return static_cast<E>(raw(m_value) & raw(mask));
-}
-
-template <typename E>
-bool VLEnumWrapper<E>::isValid() const
-{
-    return raw(m_value) != 0;
-}
-
-template <typename E>
-E VLEnumWrapper<E>::value() const noexcept
-{
-    return m_value;
-}
-
+// Not inline, because a module would then compile it anew, with statics of its own.
 template <typename E>
 VLEnumToStringTable<E>* VLEnumWrapper<E>::enumToStringTable() const
 {

@@ -8,13 +8,11 @@
 #include <QtCore/QString>
 
 /// Service log of the application. `VLSingleton<VLLogger>::instance()` returns the one logger of
-/// the process.
+/// the process. All functions may be called from any thread, as Qt's message logger may.
 ///
 /// Messages go to the Qt logging category `vl.folio.service`, so a host directs or silences them
 /// with Qt's own means: qInstallMessageHandler(), QLoggingCategory::setFilterRules() or the
 /// environment variable `QT_LOGGING_RULES`.
-///
-/// Threads: every operation may be called from any thread, as Qt's message logger may.
 class VLCORE_EXPORT VLLogger
 {
 public:
@@ -23,8 +21,8 @@ public:
     virtual ~VLLogger();
     Q_DISABLE_COPY_MOVE(VLLogger)
 
-    /// Called once by VLSingleton, right after it has made the logger and before anybody else can
-    /// use it. Does nothing, since Qt's logging categories need no set-up.
+    /// Called once by VLSingleton, before anybody else can use the logger. Does nothing, since Qt's
+    /// logging categories need no set-up.
     virtual void initialize();
 
     /// Logs \a message as it stands, without quotes or escapes, at the level QtInfoMsg. An empty

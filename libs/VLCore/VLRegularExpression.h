@@ -7,10 +7,8 @@
 #include <QtCore/QMutex>
 #include <QtCore/QRegularExpression>
 
-/// Compiled regular expression that several threads may share.
-///
-/// QRegularExpression is reentrant, but not thread-safe. This class guards it by a lock, so that
-/// one object in a function-local static serves the whole process:
+/// Regular expression that several threads may share. QRegularExpression is reentrant, but not
+/// thread-safe. This class guards it by a lock, so that one static object serves the whole process:
 ///
 /// \code
 /// static const VLRegularExpression expression(uR"(\d{4})"_s, QRegularExpression::NoPatternOption);
@@ -26,15 +24,10 @@ public:
     virtual ~VLRegularExpression() = default;
     Q_DISABLE_COPY_MOVE(VLRegularExpression)
 
-    /// Searches \a subject and returns what QRegularExpression::match() returns. May be called from
-    /// any thread.
-    ///
-    /// \param subject the text; an empty one is searched like any other.
-    /// \param offset where the search starts, in UTF-16 code units; a negative offset counts from
-    ///     the end, and one outside the subject matches nothing.
-    /// \param matchType whether a partial match is accepted.
-    /// \param matchOptions how to match, for instance at the offset only.
-    /// \return the match, which may be kept. It is not valid if the pattern is not.
+    /// Returns what QRegularExpression::match() returns for the same arguments: the first match in
+    /// \a subject, which may be empty, from \a offset on. The offset is in UTF-16 code units; a
+    /// negative one counts from the end, and one outside the subject matches nothing. The match may
+    /// be kept. It is not valid if the pattern is not. May be called from any thread.
     [[nodiscard]] QRegularExpressionMatch
     match(const QString& subject, int offset, QRegularExpression::MatchType matchType,
           QFlags<QRegularExpression::MatchOption> matchOptions) const;

@@ -8,8 +8,7 @@
 #include <QtCore/QReadWriteLock>
 #include <QtCore/QWriteLocker>
 
-/// Gives access to the one object of a class that the whole process shares. It is made on first
-/// use.
+/// Gives access to the one object of a class that the whole process shares, made on first use.
 ///
 /// \code
 /// VLSingleton<VLLogger>::instance()->logFolioService(u"message"_s);
@@ -25,13 +24,14 @@ public:
     virtual ~VLSingleton() = default; // GCOV_EXCL_LINE: there are no objects
     Q_DISABLE_COPY_MOVE(VLSingleton)
 
-    /// Returns the instance, never null. The first call makes it and then calls its
-    /// `initialize()` once. It is never deleted, so the pointer may be kept. May be called from any
-    /// thread, and waits while another thread makes the instance. `initialize()` must not call it,
-    /// because the lock is not recursive. If the constructor throws, the next call tries again.
+    /// Returns the object, never null. The first call makes it and then calls its `initialize()`,
+    /// which must not call instance(), because the lock is not recursive. If the constructor
+    /// throws, the next call tries again. The object is never deleted, so the pointer may be kept.
+    /// May be called from any thread, and waits while another makes the object.
     [[nodiscard]] static T* instance();
 };
 
+// Not inline, because a module would then compile it anew, with statics of its own.
 template <typename T>
 T* VLSingleton<T>::instance()
 {

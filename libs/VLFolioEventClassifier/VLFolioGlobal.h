@@ -5,8 +5,7 @@
 #include <VLCore/VLGlobal.h>
 
 /// \def VLFOLIOEVENTCLASSIFIER_EXPORT
-/// Marks what the library VLFolioEventClassifier exports when it is shared. Everything else stays
-/// hidden; a static build (VL_STATIC) needs no marks at all.
+/// Marks what the library VLFolioEventClassifier exports, as VLCORE_EXPORT does for VLCore.
 
 #if defined(VL_STATIC)
 #    define VLFOLIOEVENTCLASSIFIER_EXPORT
