@@ -31,11 +31,8 @@ public:
     virtual ~VLEnumToStringTable() = default;
     Q_DISABLE_COPY_MOVE(VLEnumToStringTable)
 
-    /// Adds one pair.
-    ///
-    /// \param name the name as it is to be shown. Names that differ only in case, as
-    ///     QString::toLower() sees it, are one name. The empty name is accepted like any other.
-    /// \param value the value that the name stands for from now on.
+    /// Adds one pair. Names that differ only in case, as QString::toLower() sees it, are one name.
+    /// The empty name is accepted like any other.
     void insert(const QString& name, E value)
     {
         nameToValue.insert(name.toLower(), value);

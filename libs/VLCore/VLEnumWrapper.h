@@ -128,9 +128,7 @@ public:
     [[nodiscard]] VLEnumToStringTable<E>* enumToStringTable() const;
 
 private:
-    using Raw = std::underlying_type_t<E>;
-
-    static constexpr Raw raw(E value) noexcept { return static_cast<Raw>(value); }
+    static constexpr qint32 raw(E value) noexcept { return qint32(value); }
 
     E m_value {};
 };

@@ -3,9 +3,7 @@
 /// \file
 
 #include "VLEventFolderClassificationResult.h"
-#include "VLFolioGlobal.h"
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QList>
 #include <QtCore/QStringList>
 #include <QtCore/QTextStream>
@@ -19,13 +17,12 @@
 /// \endcode
 ///
 /// The report is a diagnostic for people who know the tree: names are written to it as they are,
-/// without HTML escapes. The write functions write to the stream they are given and can be used one
-/// by one.
+/// without HTML escapes. The write functions can also be called one by one.
 ///
 /// Threads: an object belongs to one thread at a time. Several threads may each have an object with
 /// copies of the results of one walk. With copies of other results that holds only once
 /// QFileInfo::absoluteFilePath() was called on their directories, because QFileInfo caches the path
-/// without a lock. Directories are listed by VLPlatformIndependent::instance().
+/// without a lock.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLClassificationResultsRendererHTML
 {
 public:
@@ -34,7 +31,7 @@ public:
     /// \param classificationResults the results; an empty list makes a report without rows.
     /// \param prefixLength how many UTF-16 code units are left out at the start of the absolute
     ///     path in every row whose type is not exactly Root; none if it is negative.
-    /// \param fileNameFilters patterns of file names, kept but not applied: all files count.
+    /// \param fileNameFilters patterns of file names, which are not applied: all files count.
     VLClassificationResultsRendererHTML(
         const QList<VLEventFolderClassificationResult>& classificationResults, int prefixLength,
         const QStringList& fileNameFilters);
@@ -48,11 +45,10 @@ public:
                                         const VLEventFolderClassificationResult& second);
 
     /// Replaces the file \a reportFile by the report and then, even if that failed, calls
-    /// VLPlatformIndependent::directoryContentsChanged() with its directory.
-    ///
-    /// Failures are only logged, in Qt's category "default": a debug message says whether an old
-    /// report could be removed, and a warning why the report could not be opened. An error while
-    /// writing, such as a full disk, is not noticed.
+    /// VLPlatformIndependent::directoryContentsChanged() with its directory. Logs in Qt's category
+    /// "default": a debug message says whether an old report could be removed, and a warning why
+    /// the new one could not be opened. An error while writing, such as a full disk, is not
+    /// noticed.
     void renderToFile(const QFileInfo& reportFile);
 
     /// Writes everything before the table: the style and the start of the body.
@@ -61,7 +57,7 @@ public:
     void writeStyle(QTextStream& stream) const;
     /// Writes the start of the table and its header row.
     void writeTableStart(QTextStream& stream) const;
-    /// Writes the row of \a result. Lists its directory through the platform service.
+    /// Writes the row of \a result. VLPlatformIndependent::instance() lists its directory.
     void writeTableEntry(QTextStream& stream,
                          const VLEventFolderClassificationResult& result) const;
     /// Writes the end of the table.

@@ -3,12 +3,8 @@
 /// \file
 
 #include "VLEventFolderClassificationResult.h"
-#include "VLEventFolderType.h"
-#include "VLFolioGlobal.h"
 
-#include <QtCore/QFileInfo>
 #include <QtCore/QList>
-#include <QtCore/QString>
 
 /// Classifies the folders of a picture collection: walks the tree below a root directory and says
 /// for each directory whether it is the root, a year, a month, a day, an event, a project's data
@@ -21,26 +17,23 @@
 ///     QFileInfo(u"/home/me/Pictures"_s), VLEventFolderClassificationResult());
 /// \endcode
 ///
-/// The directory's own name decides first; then the type of its parent corrects it. Names of days
-/// and months are read in the user's language: days and dates follow QLocale() and
-/// QLocale::system() as they are at each call, months follow the QLocale() of the first call in the
-/// process.
+/// The directory's own name decides first; then the type of its parent corrects it. Days, dates and
+/// months are read in the user's language, see matchesDate() and matchesMonth().
 ///
 /// Failures are neither thrown nor returned: a directory that cannot be read has no
 /// subdirectories. Only std::bad_alloc is thrown, and leaves the classifier unchanged.
 ///
-/// Threads: everything runs on the calling thread. A classifier holds nothing but its root, so
-/// several threads may each use their own; one object belongs to one thread at a time. Classifiers
-/// of several threads may be made from one absolute QFileInfo. What is passed to the other
-/// functions must belong to the calling thread, because copies of a QFileInfo share, without a
-/// lock, what Qt caches in it.
+/// Threads: everything runs on the calling thread. A classifier holds nothing but its root and
+/// belongs to one thread at a time; those of several threads may be made from one absolute
+/// QFileInfo. What is passed to the other functions must belong to the calling thread, because
+/// copies of a QFileInfo share, without a lock, what Qt caches in it.
 ///
 /// A host watches, narrows or ends a walk through a platform service of its own, see
-/// VLPlatformIndependent::getDirectSubdirectoriesInDirectory(). When the application quits, a walk
-/// on another thread ends at the next folder, as soon as QCoreApplication::closingDown() is true.
-/// That is so once the destructor of the application object has begun. It waits for the global
-/// QThreadPool, whose walks therefore end early. A walk on a QThread that is waited for before that
-/// destructor, or by an object that it deletes, runs to its end unless the host's service ends it.
+/// VLPlatformIndependent::getDirectSubdirectoriesInDirectory(). A walk also ends at the next folder
+/// once QCoreApplication::closingDown() is true, that is, when the destructor of the application
+/// object has begun. The destructor waits for the global QThreadPool, whose walks therefore end
+/// early. A walk on a QThread that is waited for before it, or by an object that it deletes, runs
+/// to its end unless the host's service ends it.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLFolioEventClassifier
 {
 public:
@@ -59,10 +52,9 @@ public:
     virtual ~VLFolioEventClassifier();
 
     /// Does a whole run: logs "startClassifyEvent", walks the tree, writes the report
-    /// "vela.classification.results.html" into the root directory, and passes that file to
-    /// VLPlatformIndependent::openFile(), even if it could not be written. Nothing is kept from one
-    /// call to the next. See VLClassificationResultsRendererHTML::renderToFile() for what is
-    /// logged.
+    /// "vela.classification.results.html" into the root directory by
+    /// VLClassificationResultsRendererHTML::renderToFile(), and passes that file to
+    /// VLPlatformIndependent::openFile(), even if it could not be written.
     void start();
 
     /// Classifies \a directory and every directory below it.
@@ -73,11 +65,9 @@ public:
     /// only where the system refuses the path. The walk is as deep a recursion as the tree.
     ///
     /// \param directory where the walk starts; only the classifier's own root is of the type Root.
-    /// \param parentResult the result of the directory's parent; a default-constructed one for the
-    ///     root.
-    /// \return one result for each directory, without occasions. Empty if
-    ///     QCoreApplication::closingDown() is true. This is checked again at every directory, so
-    ///     that a walk under way ends at the next one, with the results up to there.
+    /// \param parentResult the result of its parent; for the root, a default-constructed one.
+    /// \return one result, without occasions, for each directory that the walk came to before
+    ///     QCoreApplication::closingDown() was true.
     [[nodiscard]] QList<VLEventFolderClassificationResult>
     eventFolderTypes(const QFileInfo& directory,
                      const VLEventFolderClassificationResult& parentResult);
@@ -93,21 +83,20 @@ public:
     [[nodiscard]] VLEventFolderClassificationResult
     eventFolderType(const QFileInfo& directory) const;
 
-    /// Classifies a folder name: ProjectFolder, Day, Month, Year or Unknown, by the first of
-    /// matchesProject(), matchesDate(), matchesMonth() and matchesYear() that holds. The empty
-    /// name is Unknown.
+    /// Classifies a folder name: ProjectFolder, Day, Month or Year, by the first of
+    /// matchesProject(), matchesDate(), matchesMonth() and matchesYear() that holds, or Unknown if
+    /// none does, as for the empty name.
     [[nodiscard]] VLEventFolderType eventFolderType(const QString& name) const;
 
     /// Returns true if \a name ends with "_vlp-Dateien"; the case matters.
     [[nodiscard]] bool matchesProject(const QString& name) const;
 
-    /// Returns true if \a path starts with "photokit"; the case matters. The path is not made
-    /// absolute.
+    /// Returns true if \a path, as it stands, starts with "photokit"; the case matters.
     [[nodiscard]] bool matchesApplePhotos(const QString& path) const;
 
-    /// Returns true if \a name is a date or the name of a day in QLocale() or QLocale::system()
-    /// (long, short or narrow format, by QLocale::toDate() and QLocale::dayName()), is a
-    /// Qt::TextDate or Qt::RFC2822Date, or contains digits in the shape of a date: two or four,
+    /// Returns true if \a name is a date or the name of a day in the QLocale() or QLocale::system()
+    /// of this call (long, short or narrow format, by QLocale::toDate() and QLocale::dayName()), is
+    /// a Qt::TextDate or Qt::RFC2822Date, or contains digits in the shape of a date: two or four,
     /// two, and two or four, separated by a hyphen, a vertical bar, a comma, a full stop or ASCII
     /// white space. Only the shape counts: "99.99.99" has it, too. A name with an unpaired
     /// surrogate contains no such shape.
