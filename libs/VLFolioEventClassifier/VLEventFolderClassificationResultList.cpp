@@ -6,23 +6,7 @@
 
 #include <QtCore/QStringList>
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
-
-using namespace Qt::StringLiterals;
-
-VLEventFolderClassificationResultList::VLEventFolderClassificationResultList(
-    const QList<VLEventFolderClassificationResult>& results)
-    : QList(results)
-{
-}
-
-VLEventFolderClassificationResultList::VLEventFolderClassificationResultList(
-    std::initializer_list<VLEventFolderClassificationResult> results)
-    : QList(results)
-{
-}
 
 VLEventFolderClassificationResultList::~VLEventFolderClassificationResultList() = default;
 
@@ -30,10 +14,10 @@ VLEventFolderClassificationResultList
 VLEventFolderClassificationResultList::filtered(const VLEventFolderType& type)
 {
     VLEventFolderClassificationResultList matching;
-    std::copy_if(cbegin(), cend(), std::back_inserter(matching),
-                 [&type](const VLEventFolderClassificationResult& result) {
-                     return result.classification() == type;
-                 });
+    for (const VLEventFolderClassificationResult& result : std::as_const(*this)) {
+        if (result.classification() == type)
+            matching.append(result);
+    }
     return matching;
 }
 
@@ -43,5 +27,5 @@ QString VLEventFolderClassificationResultList::toString()
     paths.reserve(size());
     for (const VLEventFolderClassificationResult& result : std::as_const(*this))
         paths.append(VLOwnFileInfo::detached(result.directory()).absoluteFilePath());
-    return paths.join(u"\n"_s);
+    return paths.join(u'\n');
 }

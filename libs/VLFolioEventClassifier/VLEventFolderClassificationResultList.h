@@ -3,15 +3,12 @@
 /// \file
 
 #include "VLEventFolderClassificationResult.h"
-#include "VLFolioGlobal.h"
 
 #include <QtCore/QList>
-#include <QtCore/QString>
 
 #include <initializer_list>
 
-/// List of classification results, in the order in which they were added, that can be filtered by
-/// type and printed. In every other respect it is a QList.
+/// List of classification results: a QList that can be filtered by type and printed.
 ///
 /// \code
 /// VLEventFolderClassificationResultList list(classifier.eventFolderTypes(root, {}));
@@ -29,10 +26,16 @@ public:
     /// Implicit on purpose, so that what the classifier returns can be passed wherever this class
     /// is expected.
     VLEventFolderClassificationResultList( // NOLINT(google-explicit-constructor)
-        const QList<VLEventFolderClassificationResult>& results);
+        const QList<VLEventFolderClassificationResult>& results)
+        : QList(results)
+    {
+    }
     /// Makes a list of copies of \a results, with a capacity for exactly these.
     VLEventFolderClassificationResultList(
-        std::initializer_list<VLEventFolderClassificationResult> results);
+        std::initializer_list<VLEventFolderClassificationResult> results)
+        : QList(results)
+    {
+    }
     VL_DEFAULT_COPY_MOVE(VLEventFolderClassificationResultList)
     virtual ~VLEventFolderClassificationResultList();
 

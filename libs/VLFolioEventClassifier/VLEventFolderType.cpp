@@ -7,17 +7,7 @@ using namespace Qt::StringLiterals;
 template class VLEnumWrapper<VLEventFolderTypeEnum>;
 template class VLEnumToStringTable<VLEventFolderTypeEnum>;
 
-VLEventFolderType::VLEventFolderType(VLEventFolderTypeEnum value) noexcept
-    : VLEnumWrapper(value)
-{
-}
-
 VLEventFolderType::~VLEventFolderType() = default;
-
-QString VLEventFolderType::name() const
-{
-    return enumToStringTable()->nameFor(value());
-}
 
 void VLEventFolderType::fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const
 {

@@ -9,24 +9,16 @@
 /// What kind of folder a directory is within a picture collection. The values are bit flags and may
 /// be combined; the names in quotes are those in the shared table of names.
 enum class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderTypeEnum : qint32 {
-    /// No type, "Unknown". The only value that is not valid.
-    Unknown = 0,
-    /// The root of the collection, "Root".
-    Root = 1,
-    /// Pictures of one year, "Year".
-    Year = 2,
-    /// Pictures of one month, "Month".
-    Month = 4,
-    /// Pictures of one day of an event, "Day".
-    Day = 8,
-    /// Pictures of one event, "Event".
-    Event = 16,
-    /// Data of a project, "ProjectFolder".
-    ProjectFolder = 32,
+    Unknown = 0,        ///< No type, "Unknown". The only value that is not valid.
+    Root = 1,           ///< The root of the collection, "Root".
+    Year = 2,           ///< Pictures of one year, "Year".
+    Month = 4,          ///< Pictures of one month, "Month".
+    Day = 8,            ///< Pictures of one day of an event, "Day".
+    Event = 16,         ///< Pictures of one event, "Event".
+    ProjectFolder = 32, ///< Data of a project, "ProjectFolder".
 };
 
-/// Type of an event folder: a value class around VLEventFolderTypeEnum that compares, combines and
-/// prints it.
+/// Type of an event folder: a VLEventFolderTypeEnum that can be compared, combined and printed.
 ///
 /// \code
 /// VLEventFolderType type = VLEventFolderTypeEnum::Year;
@@ -40,16 +32,14 @@ enum class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderTypeEnum : qint32 {
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLEventFolderType : public VLEnumWrapper<VLEventFolderTypeEnum>
 {
 public:
+    using VLEnumWrapper::VLEnumWrapper;
     /// Makes VLEventFolderTypeEnum::Unknown.
     VLEventFolderType() noexcept = default;
-    /// Makes the given type, or combination of types. Implicit on purpose.
-    VLEventFolderType(VLEventFolderTypeEnum value) noexcept; // NOLINT(google-explicit-constructor)
     VL_DEFAULT_COPY_MOVE(VLEventFolderType)
     ~VLEventFolderType() override;
 
-    /// Returns the name of this type in the shared table, for instance "Year", or an empty string
-    /// for a combination of flags.
-    [[nodiscard]] QString name() const;
+    /// Returns the name in the shared table, for instance "Year"; empty for a combination of flags.
+    [[nodiscard]] QString name() const { return enumToStringTable()->nameFor(value()); }
 
     /// Inserts the seven names of VLEventFolderTypeEnum into \a table, which must not be null.
     void fillTable(VLEnumToStringTable<VLEventFolderTypeEnum>* table) const override;

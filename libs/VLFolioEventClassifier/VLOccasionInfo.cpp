@@ -4,31 +4,7 @@
 
 using namespace Qt::StringLiterals;
 
-VLOccasionInfo::VLOccasionInfo() = default;
-
-VLOccasionInfo::VLOccasionInfo(const QString& occasion, const QString& source, double confidence)
-    : m_occasion(occasion)
-    , m_source(source)
-    , m_confidence(confidence)
-{
-}
-
 VLOccasionInfo::~VLOccasionInfo() = default;
-
-QString VLOccasionInfo::occasion() const
-{
-    return m_occasion;
-}
-
-QString VLOccasionInfo::source() const
-{
-    return m_source;
-}
-
-double VLOccasionInfo::confidence() const
-{
-    return m_confidence;
-}
 
 QString VLOccasionInfo::description() const
 {

@@ -15,11 +15,6 @@ QStringList VLOccasionInfoList::occasions() const
     return texts;
 }
 
-QStringList VLOccasionInfoList::occassions() const
-{
-    return occasions();
-}
-
 QStringList VLOccasionInfoList::descriptions() const
 {
     QStringList texts;
@@ -34,9 +29,4 @@ QString VLOccasionInfoList::description() const
     if (isEmpty())
         return u"no Data"_s;
     return descriptions().join(u"; "_s);
-}
-
-QString VLOccasionInfoList::occasion() const
-{
-    return occasions().join(u","_s);
 }

@@ -2,15 +2,12 @@
 
 /// \file
 
-#include "VLFolioGlobal.h"
 #include "VLOccasionInfo.h"
 
 #include <QtCore/QList>
-#include <QtCore/QString>
 #include <QtCore/QStringList>
 
-/// List of the occasions suggested for one event, which can join their texts. In every other
-/// respect it is a QList.
+/// List of the occasions suggested for one event: a QList that can join their texts.
 ///
 /// \code
 /// VLOccasionInfoList list;
@@ -32,11 +29,11 @@ public:
     /// Returns the occasions of all records, in list order.
     [[nodiscard]] QStringList occasions() const;
     /// Returns the same as occasions(), under the name that earlier callers use.
-    [[nodiscard]] QStringList occassions() const;
+    [[nodiscard]] QStringList occassions() const { return occasions(); }
     /// Returns the descriptions of all records, in list order; see VLOccasionInfo::description().
     [[nodiscard]] QStringList descriptions() const;
     /// Returns the descriptions joined by "; ", or "no Data" for an empty list.
     [[nodiscard]] QString description() const;
     /// Returns the occasions joined by "," without a blank, or an empty string for an empty list.
-    [[nodiscard]] QString occasion() const;
+    [[nodiscard]] QString occasion() const { return occasions().join(u','); }
 };
