@@ -11,8 +11,9 @@ VLEventFolderClassificationResult::~VLEventFolderClassificationResult() = defaul
 bool VLEventFolderClassificationResult::operator==(
     const VLEventFolderClassificationResult& other) const
 {
-    return m_classification == other.m_classification
-        && VLOwnFileInfo::detached(m_directory) == VLOwnFileInfo::detached(other.m_directory);
+    if (m_classification != other.m_classification)
+        return false;
+    return VLOwnFileInfo::detached(m_directory) == VLOwnFileInfo::detached(other.m_directory);
 }
 
 QString VLEventFolderClassificationResult::render(int prefixLength) const

@@ -4,6 +4,8 @@
 
 using namespace Qt::StringLiterals;
 
+VLOccasionInfo::VLOccasionInfo() = default;
+
 VLOccasionInfo::~VLOccasionInfo() = default;
 
 QString VLOccasionInfo::description() const

@@ -17,7 +17,7 @@ class VLFOLIOEVENTCLASSIFIER_EXPORT VLOccasionInfo
 {
 public:
     /// Makes a record with an empty occasion, an empty source and the confidence 0.0.
-    VLOccasionInfo() = default;
+    VLOccasionInfo();
     /// Makes a record of the three values as they are, without any check.
     VLOccasionInfo(const QString& occasion, const QString& source, double confidence)
         : m_occasion(occasion)
