@@ -1,31 +1,15 @@
-# What of Linux's Qt is the same on a Mac: its headers, moc, rcc, and the names of its functions. These
-# make libraries to link with, which hold nothing else.
-set(Qt6_FOUND TRUE)
+# Linux's Qt, of which all but the libraries is the same on a Mac. In their place come stubs to link
+# with, which hold the names of their functions and nothing else.
 include_guard(GLOBAL)
+find_package(Qt6 CONFIG REQUIRED COMPONENTS Core Test)
 
-find_program(VLFOLIO_QMAKE NAMES qmake6 REQUIRED)
-foreach(name IN ITEMS
-        QT_INSTALL_HEADERS QT_INSTALL_LIBS QT_INSTALL_ARCHDATA QT_HOST_LIBEXECS QT_VERSION)
-    execute_process(COMMAND "${VLFOLIO_QMAKE}" -query ${name}
-        OUTPUT_VARIABLE ${name}
-        OUTPUT_STRIP_TRAILING_WHITESPACE
-        COMMAND_ERROR_IS_FATAL ANY
-    )
-endforeach()
-
-# AUTOMOC asks for the version in this way.
-string(REGEX MATCH "^([0-9]+)\\.([0-9]+)" version "${QT_VERSION}")
-set(Qt6Core_VERSION_MAJOR ${CMAKE_MATCH_1})
-set(Qt6Core_VERSION_MINOR ${CMAKE_MATCH_2})
-foreach(tool IN ITEMS moc rcc)
-    add_executable(Qt6::${tool} IMPORTED GLOBAL)
-    set_target_properties(Qt6::${tool} PROPERTIES IMPORTED_LOCATION "${QT_HOST_LIBEXECS}/${tool}")
-endforeach()
-
-find_package(Threads REQUIRED)
+get_target_property(directories Qt6::Platform INTERFACE_INCLUDE_DIRECTORIES)
+list(TRANSFORM directories REPLACE "linux-g\\+\\+$" "macx-clang")
+set_target_properties(Qt6::Platform PROPERTIES INTERFACE_INCLUDE_DIRECTORIES "${directories}")
 foreach(module IN ITEMS Core Test)
+    get_target_property(library Qt6::${module} IMPORTED_LOCATION)
     execute_process(COMMAND nm --dynamic --defined-only --format=just-symbols --without-symbol-versions
-            "${QT_INSTALL_LIBS}/libQt6${module}.so"
+            "${library}"
         OUTPUT_VARIABLE symbols
         OUTPUT_STRIP_TRAILING_WHITESPACE
         COMMAND_ERROR_IS_FATAL ANY
@@ -40,36 +24,18 @@ foreach(module IN ITEMS Core Test)
     string(REGEX REPLACE "[\n;]" ", _" symbols "_${symbols}")
     # Outside the build tree, as every Qt is.
     cmake_path(REPLACE_FILENAME VLFOLIO_ZIG "qt-${CMAKE_SYSTEM_PROCESSOR}/Qt${module}.tbd"
-        OUTPUT_VARIABLE library)
-    file(WRITE "${library}" "--- !tapi-tbd
+        OUTPUT_VARIABLE stub)
+    set(name "@rpath/Qt${module}.framework/Versions/A/Qt${module}")
+    file(WRITE "${stub}" "--- !tapi-tbd
 tbd-version: 4
 targets: [ ${CMAKE_SYSTEM_PROCESSOR}-macos ]
-install-name: '@rpath/Qt${module}.framework/Versions/A/Qt${module}'
+install-name: '${name}'
 exports:
   - targets: [ ${CMAKE_SYSTEM_PROCESSOR}-macos ]
     symbols: [ ${symbols} ]
 ")
-    add_library(Qt6::${module} SHARED IMPORTED GLOBAL)
     set_target_properties(Qt6::${module} PROPERTIES
-        IMPORTED_LOCATION "${library}"
-        IMPORTED_SONAME "@rpath/Qt${module}.framework/Versions/A/Qt${module}"
-    )
-    target_include_directories(Qt6::${module} SYSTEM INTERFACE
-        "${QT_INSTALL_HEADERS}"
-        "${QT_INSTALL_HEADERS}/Qt${module}"
-        "${QT_INSTALL_ARCHDATA}/mkspecs/macx-clang"
+        IMPORTED_LOCATION "${stub}"
+        IMPORTED_SONAME "${name}"
     )
 endforeach()
-target_link_libraries(Qt6::Test INTERFACE Qt6::Core)
-
-function(qt_add_resources sources file)
-    cmake_path(GET file STEM name)
-    set(source "${CMAKE_CURRENT_BINARY_DIR}/qrc_${name}.cpp")
-    add_custom_command(
-        OUTPUT "${source}"
-        COMMAND Qt6::rcc --name "${name}" -o "${source}" "${CMAKE_CURRENT_SOURCE_DIR}/${file}"
-        DEPENDS "${file}"
-        VERBATIM
-    )
-    set(${sources} "${source}" PARENT_SCOPE)
-endfunction()
