@@ -1,5 +1,4 @@
 include(CMakePackageConfigHelpers)
-include(GNUInstallDirs)
 include(VLPkgConfig)
 
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/VLFolioEventClassifier")
@@ -11,7 +10,6 @@ endif()
 
 install(TARGETS VLCore VLFolioEventClassifier
     EXPORT VLFolioEventClassifierTargets
-    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Runtime
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Runtime NAMELINK_COMPONENT Development
     ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT Development
     FILE_SET HEADERS DESTINATION "${headers_dir}" COMPONENT Development
@@ -44,12 +42,6 @@ vl_install_pkgconfig(VLFolioEventClassifier
     "${PROJECT_DESCRIPTION}"
     "VLCore = ${PROJECT_VERSION}"
 )
-if(VLFOLIO_BUILD_APPS)
-    install(TARGETS vlfolio-classify
-        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT Tools
-    )
-endif()
-
 if(PROJECT_IS_TOP_LEVEL)
     include(VLPackages)
 endif()

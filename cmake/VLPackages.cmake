@@ -3,7 +3,8 @@
 set(CPACK_PACKAGE_NAME "vlfolioeventclassifier")
 set(CPACK_PACKAGE_VENDOR "The VLFolioEventClassifier developers")
 set(CPACK_PACKAGE_CONTACT "${CPACK_PACKAGE_VENDOR} <vlfolioeventclassifier@localhost>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+# It would become the first line of every Debian package's description.
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")
 set(CPACK_STRIP_FILES ON)
 set(CPACK_COMPONENTS_ALL Runtime Development)
 if(VLFOLIO_BUILD_APPS)
@@ -41,7 +42,7 @@ set(CPACK_DEBIAN_TOOLS_DESCRIPTION "Classifier of the folders of picture collect
 The program vlfolio-classify tells by their names what the folders of a picture
 collection are: years, months, days, events or project folders. It writes a
 report or a page, or prints them.")
-set(CPACK_PROJECT_CONFIG_FILE "${CMAKE_CURRENT_LIST_DIR}/VLPackagesByKind.cmake")
+set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/VLDebianFiles.cmake")
 
 include(CPack)
 cpack_add_component(Runtime DISPLAY_NAME "Shared libraries")

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Fails unless the man page, the completions and the manual name the options, and the completions the
 # types, that the program itself names: compare_options.sh SOURCES PROGRAM
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 export LC_ALL=C
 sources=$1 program=$2
 app=$sources/apps/vlfolio-classify

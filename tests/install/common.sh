@@ -1,14 +1,9 @@
 # Sourced by the tests of this folder. Their environment names SOURCE_TREE, BUILD_TREE, LIBDIR, the
 # compiler in CXX and CXXFLAGS, and WORK, a directory of their own.
 # shellcheck shell=bash
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 export LC_ALL=C.UTF-8
 here=$SOURCE_TREE/tests/install
-
-fail() {
-    echo "$*" >&2
-    exit 1
-}
 
 # needs TOOL...: leaves out the rest of a test where a tool is missing.
 needs() {
@@ -28,11 +23,6 @@ ask_pkg_config() {
 quietly() {
     local output
     output=$("$@" 2>&1) || fail "$output"$'\n'"failed: $*"
-}
-
-# expect WHAT EXPECTED ACTUAL: compares two texts.
-expect() {
-    [ "$2" = "$3" ] || fail "$1 is other (>) than expected (<):"$'\n'"$(diff <(echo "$2") <(echo "$3"))"
 }
 
 # build_consumer NAME OPTION...: builds the consumer in WORK/NAME and runs it.
@@ -76,7 +66,7 @@ expect_directories() {
 
 # build_type_left_out: a filter for names of files, one of which bears that of the build.
 build_type_left_out() {
-    sed 's/Targets-[a-z]*\.cmake/Targets-BUILDTYPE.cmake/'
+    sed 's/Targets-[a-z]*\.cmake/Targets-BUILDTYPE.cmake/' | sort
 }
 
 # contents: prints the files that there must be, each behind the name of its package.
@@ -87,5 +77,5 @@ contents() {
 # expect_all_files WHAT DIRECTORY: fails unless DIRECTORY holds just the files of every package.
 expect_all_files() {
     expect "what $1 holds" "$(contents | sed 's/^[^ ]* //' | sort)" \
-        "$(cd "$2" && find . ! -type d | sed 's|^\./||' | build_type_left_out | sort)"
+        "$(cd "$2" && find . ! -type d | sed 's|^\./||' | build_type_left_out)"
 }

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# What scripts/test-packages does within the Debian. The packages are in /srv/packages.
+# What scripts/test-packages does within the Debian, when lintian has looked at the packages. They are
+# in /srv/packages.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 apt_get() {
@@ -14,9 +15,22 @@ bash_completion() {
         complete -p vlfolio-classify'
 }
 
+# files_of_packages: prints the files that are not said of every package, each behind the name of its.
+files_of_packages() {
+    local file
+    for file in packages/*.deb; do
+        dpkg-deb --fsys-tarfile "$file" | tar -t --exclude='*/share/doc/*' --exclude='*/share/lintian/*' |
+            sed -n "s|^\./usr/\(.*[^/]\)$|$(dpkg-deb --field "$file" Package) \1|p"
+    done
+}
+
 export DEBIAN_FRONTEND=noninteractive HOME=/root
 cd /srv
 mkdir -p work "collection/2019/2019-07-14 Beach"
+# Zsh on Debian looks elsewhere for what packages bring, and man pages are compressed there.
+expect "what the packages hold" \
+    "$(contents | sed 's|zsh/site-functions|zsh/vendor-completions|; s|man1/.*|&.gz|')" \
+    "$(files_of_packages | build_type_left_out)"
 apt_get update
 
 apt_get install ./packages/vlfolio-classify_*.deb ./packages/libvlfolioeventclassifier1_*.deb
@@ -39,6 +53,16 @@ apt_get install ./packages/libvlfolioeventclassifier-dev_*.deb cmake g++ ninja-b
 build_consumer found
 mapfile -t flags < <(ask_pkg_config --cflags --libs VLFolioEventClassifier)
 compile_consumer linked "${flags[@]}"
+
+expect "what the packages say they hold" "$(printf '%s\n' \
+    "Classifier of the folders of picture collections "{'(development)','(libraries)','(program)'})" \
+    "$(dpkg-query --show --showformat='${binary:Summary}\n' '*vlfolio*' | sort)"
+expect "what the one for development needs" \
+    "libvlfolioeventclassifier1 (= 1.0.0), qt6-base-dev (>= 6.4)" \
+    "$(dpkg-query --show --showformat='${Depends}' libvlfolioeventclassifier-dev)"
+expect "what the program needs" "libvlfolioeventclassifier1 (= 1.0.0)" \
+    "$(dpkg-query --show --showformat='${Depends}' vlfolio-classify |
+        grep -o 'libvlfolio[^=]*(= [^)]*)')"
 
 apt_get purge vlfolio-classify libvlfolioeventclassifier-dev libvlfolioeventclassifier1
 expect "what is left of the packages" "" \

@@ -1,22 +1,15 @@
 #!/usr/bin/env bash
 # Runs every command of the blocks "console" in the README and the manual, and compares what it prints
 # with what stands there: run_transcripts.sh SOURCES PROGRAM. A line "..." stands for one or more.
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 sources=$1 program=$2
 
 # As on the machine of the manual: a checkout, in which ./run was called.
-home=$(cd "$(mktemp -d)" && pwd -P)
-trap 'rm -rf "$home"' EXIT
-mkdir "$home/bin" "$home/checkout"
-cd "$home/checkout"
+make_work_directory
+mkdir "$work/checkout"
+cd "$work/checkout"
 "$sources/scripts/make-sample" build/sample
-ln -s "$program" "$home/bin/vlfolio-classify"
-# No report is opened, whatever the program asks for.
-for opener in xdg-open open; do
-    printf '#!/bin/sh\n' >"$home/bin/$opener"
-    chmod +x "$home/bin/$opener"
-done
-PATH=$home/bin:$PATH
+ln -s "$program" "$work/bin/vlfolio-classify"
 unset DISPLAY WAYLAND_DISPLAY
 
 commands=0 failed=0 command=
@@ -25,7 +18,7 @@ check() {
     [ -n "$command" ] || return 0
     commands=$((commands + 1))
     # Bash complains of a locale that is not installed, which the program does without.
-    output=$(bash -c "$command" 2>&1 | sed "/: warning: setlocale:/d; s|$home/checkout|/home/me/vlfolio|g")
+    output=$(bash -c "$command" 2>&1 | sed "/: warning: setlocale:/d; s|$work/checkout|/home/me/vlfolio|g")
     pattern=$(sed 's/[][*?\\()|@!+]/\\&/g; s/^\.\.\.$/?*/' <<<"$expected")
     # shellcheck disable=SC2053 # is a pattern
     if [[ $output != $pattern ]]; then

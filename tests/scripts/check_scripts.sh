@@ -1,17 +1,11 @@
 #!/usr/bin/env bash
 # Checks ./run, ./test and the scripts behind them with a project that has no sources:
 # check_scripts.sh SOURCES
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 export LC_ALL=C
 sources=$1
 unset VLFOLIO_PRESET VLFOLIO_OPTIONS
-work=$(cd "$(mktemp -d)" && pwd -P)
-trap 'rm -rf "$work"' EXIT
-
-# expect WHAT EXPECTED ACTUAL: compares two texts.
-expect() {
-    [ "$2" = "$3" ] || { printf '%s: expected\n%s\nbut found\n%s\n' "$@"; exit 1; }
-}
+make_work_directory
 
 # make_checkout DIRECTORY: a project whose program prints its arguments, and whose test passes.
 make_checkout() {
