@@ -13,9 +13,6 @@ function(vl_add_test name)
         Qt6::Test
         ${arg_LIBRARIES}
     )
-    if(TARGET VLQtForTsan)
-        target_link_libraries(${target} PRIVATE VLQtForTsan)
-    endif()
     vl_precompile(${target} tests)
     if(NOT arg_LOCALES)
         vl_add_test_entry(${name} ${target} C.UTF-8)

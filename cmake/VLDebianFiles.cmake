@@ -4,13 +4,7 @@ if(NOT CPACK_GENERATOR STREQUAL "DEB")
 endif()
 set(files "${CMAKE_CURRENT_LIST_DIR}/debian")
 set(changes "${CMAKE_CURRENT_LIST_DIR}/../CHANGELOG.md")
-file(STRINGS "${changes}" date REGEX "^## ${CPACK_PACKAGE_VERSION} ")
-string(REGEX REPLACE ".*\\((.*)\\)" "\\1" date "${date}")
-execute_process(COMMAND date --utc --rfc-email "--date=${date}"
-    OUTPUT_VARIABLE date
-    OUTPUT_STRIP_TRAILING_WHITESPACE
-    COMMAND_ERROR_IS_FATAL ANY
-)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
     string(TOUPPER "${component}" name)
     set(package "${CPACK_DEBIAN_${name}_PACKAGE_NAME}")

@@ -34,14 +34,8 @@ install(FILES
     DESTINATION "${package_dir}"
     COMPONENT Development
 )
-vl_install_pkgconfig(VLCore
-    "Platform layer of VLFolioEventClassifier"
-    "Qt6Core >= 6.4"
-)
-vl_install_pkgconfig(VLFolioEventClassifier
-    "${PROJECT_DESCRIPTION}"
-    "VLCore = ${PROJECT_VERSION}"
-)
+vl_install_pkgconfig(VLCore "Platform layer of VLFolioEventClassifier" "Qt6Core >= 6.4")
+vl_install_pkgconfig(VLFolioEventClassifier "${PROJECT_DESCRIPTION}" "VLCore = ${PROJECT_VERSION}")
 if(PROJECT_IS_TOP_LEVEL)
     include(VLPackages)
 endif()

@@ -1,7 +1,6 @@
 # What this project's own targets are compiled with. Nothing of it reaches those who link them.
 add_library(VLProjectOptions INTERFACE)
 
-target_compile_features(VLProjectOptions INTERFACE cxx_std_17)
 target_compile_options(VLProjectOptions INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     # Qt's logging macros are called as Qt documents them, without a format.

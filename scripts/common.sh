@@ -12,12 +12,12 @@ fail() {
 needs() {
     local tool
     for tool in "$@"; do
-        command -v "$tool" >/dev/null || fail "$tool is missing; run: scripts/install-packages check"
+        command -v "$tool" >/dev/null || fail "$tool is missing: run scripts/install-packages check"
     done
 }
 
-# write_log LOG: writes what it reads to the file LOG; on a terminal it shows the present line, too, in
-# place of the one before.
+# write_log LOG: writes what it reads to the file LOG; on a terminal it shows the present line, too,
+# in place of the one before.
 write_log() {
     local line columns
     mkdir -p "$(dirname "$1")"

@@ -12,6 +12,20 @@ expect() {
     [ "$2" = "$3" ] || fail "$1 is other (>) than expected (<):"$'\n'"$(diff <(echo "$2") <(echo "$3"))"
 }
 
+# needs TOOL...: leaves out the rest of a test where a tool is missing.
+needs() {
+    local tool
+    for tool in "$@"; do
+        command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
+    done
+}
+
+# quietly COMMAND...: shows what a command says only if it fails.
+quietly() {
+    local output
+    output=$("$@" 2>&1) || fail "$output"$'\n'"failed: $*"
+}
+
 # make_work_directory: makes the directory that $work names until the end. Its programs, which come
 # first, open no report, whatever is asked of them.
 make_work_directory() {

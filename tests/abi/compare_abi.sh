@@ -2,26 +2,18 @@
 # Fails if the binary interface of the checkout SOURCE, compiled by COMPILER in WORK, is another than
 # that of the files beside this script: compare_abi.sh SOURCE WORK COMPILER. What is there is left in
 # WORK.
-set -euo pipefail
+. "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
 source=$1 work=$2 compiler=$3
 baseline=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-for tool in abidw abidiff; do
-    command -v $tool >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
-done
+needs abidw abidiff
 
 # As released, but with the debug information that abidw reads, and of that only what a file of the
 # same name defines: with Qt's own types it would be ten times as large and change with every Qt.
 own_types=-femit-struct-debug-detailed=dir:ord:base,dir:gen:base,ind:ord:base,ind:gen:base
-build_libraries() {
-    cmake --fresh -S "$source" -B "$work/build" -G Ninja -DCMAKE_BUILD_TYPE=Release \
-        -DCMAKE_CXX_COMPILER="$compiler" \
-        -DCMAKE_CXX_FLAGS="-g $own_types '-fdebug-prefix-map=$source/='" \
-        -DBUILD_SHARED_LIBS=ON \
-        -DVLFOLIO_BUILD_{APPS,EXAMPLES,TESTS}=OFF &&
-        cmake --build "$work/build"
-}
-mkdir -p "$work"
-build_libraries >"$work/build.log" 2>&1 || { cat "$work/build.log"; exit 1; }
+quietly cmake --fresh -S "$source" -B "$work/build" -G Ninja -DCMAKE_CXX_COMPILER="$compiler" \
+    -DCMAKE_CXX_FLAGS="-g $own_types '-fdebug-prefix-map=$source/='" \
+    -DCMAKE_BUILD_TYPE=Release -DBUILD_SHARED_LIBS=ON -DVLFOLIO_BUILD_{APPS,EXAMPLES,TESTS}=OFF
+quietly cmake --build "$work/build"
 
 status=0
 for library in VLCore VLFolioEventClassifier; do

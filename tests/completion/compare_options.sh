@@ -2,7 +2,6 @@
 # Fails unless the man page, the completions and the manual name the options, and the completions the
 # types, that the program itself names: compare_options.sh SOURCES PROGRAM
 . "$(dirname "${BASH_SOURCE[0]}")/../common.sh"
-export LC_ALL=C
 sources=$1 program=$2
 app=$sources/apps/vlfolio-classify
 failed=0

@@ -5,24 +5,10 @@
 export LC_ALL=C.UTF-8
 here=$SOURCE_TREE/tests/install
 
-# needs TOOL...: leaves out the rest of a test where a tool is missing.
-needs() {
-    local tool
-    for tool in "$@"; do
-        command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
-    done
-}
-
 # ask_pkg_config OPTION...: prints each word of the answer in a line, without the escapes that protect
 # blanks and umlauts from a shell.
 ask_pkg_config() {
     pkg-config "$@" | xargs printf '%s\n'
-}
-
-# quietly COMMAND...: shows what a command says only if it fails.
-quietly() {
-    local output
-    output=$("$@" 2>&1) || fail "$output"$'\n'"failed: $*"
 }
 
 # build_consumer NAME OPTION...: builds the consumer in WORK/NAME and runs it.

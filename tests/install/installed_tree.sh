@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # What is installed works wherever it is moved: the example of the README, its blocks "cmake" and "cpp"
 # copied out of it, is built with it by the command that stands there, and run on a small collection.
-# On Linux the tree is looked at, too: what it holds, what pkg-config says of it, and that the archive
-# that cpack makes is the same.
+# On Linux the tree is looked at, too: what it holds, what pkg-config says of it, and that the
+# archive that cpack makes is the same.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 # block LANGUAGE: prints the first block of that language below "Embedding".
@@ -35,11 +35,10 @@ quietly cmake -DPACKAGE_DIR="$TREE/$LIBDIR/cmake/VLFolioEventClassifier" -P "$he
 }
 expect_all_files "the installed tree" "$TREE"
 quietly cpack --config "$BUILD_TREE/CPackConfig.cmake" -G TGZ -B "$WORK/archives"
-mkdir "$WORK/unpacked"
-tar -xzf "$WORK/archives/vlfolioeventclassifier-1.0.0-Linux.tar.gz" -C "$WORK/unpacked" \
-    --strip-components=1
-expect_all_files "the archive" "$WORK/unpacked"
-expect_program "$WORK/unpacked/bin/vlfolio-classify"
+archive=$WORK/archives/vlfolioeventclassifier-1.0.0-Linux
+tar -xzf "$archive.tar.gz" -C "$WORK/archives"
+expect_all_files "the archive" "$archive"
+expect_program "$archive/bin/vlfolio-classify"
 expect "what names a place" "" \
     "$(grep -rIlF -e "$WORK" -e "$BUILD_TREE" -e "$SOURCE_TREE" "$TREE" || true)"
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What scripts/test-packages does within the Debian, when lintian has looked at the packages. They are
-# in /srv/packages.
+# What scripts/test-packages does within the Debian. The packages, which lintian has seen, are in
+# /srv/packages.
 . "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 apt_get() {
@@ -15,11 +15,12 @@ bash_completion() {
         complete -p vlfolio-classify'
 }
 
-# files_of_packages: prints the files that are not said of every package, each behind the name of its.
+# files_of_packages: prints the files of each package behind its name, but for those that every
+# package has, which lintian knows.
 files_of_packages() {
     local file
     for file in packages/*.deb; do
-        dpkg-deb --fsys-tarfile "$file" | tar -t --exclude='*/share/doc/*' --exclude='*/share/lintian/*' |
+        dpkg-deb --fsys-tarfile "$file" | tar -t --exclude='*/share/doc/*' --exclude='*/lintian/*' |
             sed -n "s|^\./usr/\(.*[^/]\)$|$(dpkg-deb --field "$file" Package) \1|p"
     done
 }
@@ -55,7 +56,7 @@ mapfile -t flags < <(ask_pkg_config --cflags --libs VLFolioEventClassifier)
 compile_consumer linked "${flags[@]}"
 
 expect "what the packages say they hold" "$(printf '%s\n' \
-    "Classifier of the folders of picture collections "{'(development)','(libraries)','(program)'})" \
+    "Classifier of the folders of picture collections ("{development,libraries,program}")")" \
     "$(dpkg-query --show --showformat='${binary:Summary}\n' '*vlfolio*' | sort)"
 expect "what the one for development needs" \
     "libvlfolioeventclassifier1 (= 1.0.0), qt6-base-dev (>= 6.4)" \
