@@ -5,26 +5,18 @@
 #include <QtCore/QChar>
 
 #include <bitset>
+#include <string_view>
 
 namespace {
 
-enum Punctuation : unsigned { Comma = 1, FullStop = 2, Slash = 4, Hyphen = 8 };
 enum Field : unsigned { Year = 1, Month = 2, Day = 4 };
 
-unsigned punctuationBit(char16_t unit)
+// Returns the bit of \a character in a set of punctuation, or 0 for anything else.
+unsigned punctuationBit(char32_t character)
 {
-    switch (unit) {
-    case u',':
-        return Comma;
-    case u'.':
-        return FullStop;
-    case u'/':
-        return Slash;
-    case u'-':
-        return Hyphen;
-    default:
-        return 0;
-    }
+    constexpr std::u32string_view punctuation(U",.-|/");
+    const auto position = punctuation.find(character);
+    return position == std::u32string_view::npos ? 0U : 1U << position;
 }
 
 // Returns the field of a date format that is written as \a length times \a letter, if it is
@@ -52,57 +44,59 @@ qsizetype runLength(const QString& text, qsizetype from)
     return to - from;
 }
 
-bool isAsciiSpace(char16_t unit)
+// Returns the field with which dates in \a format begin, if it is numeric and a separator ends it.
+unsigned firstNumber(const QString& format)
 {
-    return unit == u' ' || (unit >= u'\t' && unit <= u'\r');
+    const qsizetype length = format.isEmpty() ? 0 : runLength(format, 0);
+    if (length == format.size())
+        return 0;
+    const char16_t next = format.at(length).unicode();
+    const bool isSeparated = next == u' ' || punctuationBit(next) != 0;
+    return isSeparated ? numberBit(format.front().unicode(), length) : 0U;
 }
 
 } // namespace
 
 VLNameLook::VLNameLook(const QString& name)
     : m_size(name.size())
+    , m_beginsWithLetter(!name.isEmpty() && name.front().isLetter())
 {
+    qsizetype characters = 0;
     for (qsizetype i = 0; i < name.size(); ++i) {
-        const qsizetype digitsBefore = m_digits;
-        const QChar unit = name.at(i);
-        if (unit.unicode() < 0x80)
-            lookAtAscii(unit.unicode());
-        else if (unit.isHighSurrogate() && i + 1 < name.size() && name.at(i + 1).isLowSurrogate())
-            lookAtOther(QChar::surrogateToUcs4(unit, name.at(++i)));
-        else
-            lookAtOther(unit.unicode());
-        m_endsWithDigit = m_digits > digitsBefore;
+        char32_t character = name.at(i).unicode();
+        const QChar next = i + 1 < name.size() ? name.at(i + 1) : QChar();
+        if (QChar::isHighSurrogate(character) && next.isLowSurrogate()) {
+            character = QChar::surrogateToUcs4(name.at(i), next);
+            ++i;
+        }
+        count(character);
+        m_endsWithDigit = QChar::isDigit(character);
+        if (m_digits == ++characters)
+            m_leadingDigits = characters;
     }
 }
 
-void VLNameLook::lookAtAscii(char16_t unit)
+void VLNameLook::count(char32_t character)
 {
-    if (unit >= u'0' && unit <= u'9') {
+    const int inAscii = character < 0x80 ? 1 : 0;
+    if (QChar::isDigit(character)) {
         ++m_digits;
-        ++m_asciiDigits;
-        m_holdsTwo |= unit == u'2';
-    } else if (isAsciiSpace(unit)) {
+        m_asciiDigits += inAscii;
+        m_holdsTwo |= character == U'2';
+    } else if (QChar::isSpace(character)) {
         ++m_blanks;
-        ++m_separators;
-    } else if (unit == u'|') {
-        ++m_separators;
-    } else if (const unsigned bit = punctuationBit(unit)) {
+        m_separators += inAscii;
+    } else if (const unsigned bit = punctuationBit(character)) {
         m_punctuation |= bit;
-        if (bit != Slash)
-            ++m_separators;
+        m_separators += character == U'/' ? 0 : 1;
     }
-}
-
-void VLNameLook::lookAtOther(char32_t character)
-{
-    if (QChar::isDigit(character))
-        ++m_digits;
-    else if (QChar::isSpace(character))
-        ++m_blanks;
 }
 
 bool VLNameLook::cannotBeDateIn(const QString& format) const
 {
+    const unsigned first = firstNumber(format);
+    if (first != 0 && (m_beginsWithLetter || (first != Year && m_leadingDigits > 2)))
+        return true;
     unsigned numbers = 0;
     unsigned punctuation = 0;
     qsizetype blanks = 0;

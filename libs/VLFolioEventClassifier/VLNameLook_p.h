@@ -22,7 +22,8 @@ public:
     }
 
     /// A date has at least one digit for each numeric field of \a format, and all of its
-    /// punctuation and blanks.
+    /// punctuation and blanks. If the format begins with a number, the date does not begin with a
+    /// letter, nor with three digits if the number is a day or a month.
     [[nodiscard]] bool cannotBeDateIn(const QString& format) const;
 
     /// In the formats Qt::TextDate and Qt::RFC2822Date, a date has at least three words, among them
@@ -36,17 +37,19 @@ public:
     [[nodiscard]] bool cannotHoldYear() const { return m_asciiDigits < 4 || !m_holdsTwo; }
 
 private:
-    void lookAtAscii(char16_t unit);
-    void lookAtOther(char32_t character);
+    void count(char32_t character);
 
     qsizetype m_size = 0;
     qsizetype m_asciiDigits = 0;
-    // Digits of all scripts are counted.
+    // Digits of all scripts.
     qsizetype m_digits = 0;
+    // How many digits the name begins with.
+    qsizetype m_leadingDigits = 0;
+    bool m_beginsWithLetter = false;
     qsizetype m_blanks = 0;
     // Characters that may separate the numbers in the shape of a date.
     qsizetype m_separators = 0;
-    // The set of those characters in the name that separate the fields of date formats.
+    // The set of the characters of the name that may separate the fields of a date format.
     unsigned m_punctuation = 0;
     bool m_holdsTwo = false;
     bool m_endsWithDigit = false;

@@ -645,6 +645,9 @@ void tst_matchers_fresh::userSettings_data()
     row("unclosed_quote", u"MMMM d 'x"_s, {}, u"July 4 x"_s, day);
     row("letters_that_are_no_fields", u"MMMM c e L N x z"_s, {}, u"July c e L N x z"_s, day);
     row("full_stop_of_a_month_name", u"d MMM"_s, {}, u"4 Jul."_s, day);
+    row("first_number_without_a_separator", u"dMyyyy"_s, {}, u"1471999"_s, day);
+    row("first_number_is_a_year", u"yyyy M"_s, {}, u"1999 7"_s, day);
+    row("letter_before_the_first_number", u"'x'd M"_s, {}, u"x4 7"_s, day);
     row("nothing_is_a_date_of_no_format", u""_s, {}, u""_s, day);
     row("format_of_the_host_counts_as_before", u"d_M"_s, {}, u"7/14/19"_s, day);
 
