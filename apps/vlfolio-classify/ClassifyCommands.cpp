@@ -122,7 +122,7 @@ int exitCode()
 
 int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
 {
-    const ProgramPlatform platform(rootPath, commandLine.excluded);
+    const ProgramPlatform platform(commandLine.excluded);
     const QList<Folder> folders = classified(commandLine, rootPath, platform);
     platform.tellLeftOut();
     if (commandLine.action == CommandLine::Action::Summary) {

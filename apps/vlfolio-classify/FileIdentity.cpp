@@ -2,7 +2,6 @@
 
 #include <QtCore/QFile>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 
 FileIdentity::FileIdentity(const QString& path)
@@ -11,22 +10,11 @@ FileIdentity::FileIdentity(const QString& path)
 }
 
 FileIdentity::FileIdentity(const QByteArray& path)
-    : FileIdentity(path, 0)
-{
-}
-
-FileIdentity::FileIdentity(const QByteArray& path, int flags)
 {
     struct stat status = {};
-    m_isKnown = fstatat(AT_FDCWD, path.constData(), &status, flags) == 0;
-    m_isSymlink = m_isKnown && S_ISLNK(status.st_mode);
+    m_isKnown = stat(path.constData(), &status) == 0;
     m_device = status.st_dev;
     m_inode = status.st_ino;
-}
-
-FileIdentity FileIdentity::ofEntry(const QString& path)
-{
-    return { QFile::encodeName(path), AT_SYMLINK_NOFOLLOW };
 }
 
 bool FileIdentity::operator==(const FileIdentity& other) const

@@ -40,7 +40,7 @@ QStringList Markup::folders(const QList<VLEventFolderClassificationResult>& resu
 {
     QStringList found;
     for (const VLEventFolderClassificationResult& result : results) {
-        const QString path = result.directory().absoluteFilePath();
+        const QString path = result.directory().filePath();
         const bool isShownWhole = result.classification() == VLEventFolderTypeEnum::Root;
         const QString below = path.mid(rootPath.size());
         if (isShownWhole ? holdsMarkup(path, 0) : holdsMarkup(below, startOfNewPart(below)))

@@ -70,7 +70,7 @@ QString replacePage(const FolderPage& page, const QString& path)
 int PageCommand::run(const CommandLine& commandLine, const QString& rootPath)
 {
     const QString pagePath = GivenPath::absolute(commandLine.page);
-    ProgramPlatform platform(rootPath, commandLine.excluded);
+    ProgramPlatform platform(commandLine.excluded);
     QString error = WholeFile::obstacle(pagePath, true);
     if (error.isEmpty()) {
         platform.expectFile(pagePath);

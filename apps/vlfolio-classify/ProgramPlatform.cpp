@@ -23,10 +23,11 @@ QString parentOf(const QString& path)
     return path.size() > 1 ? u"/"_s : QString();
 }
 
-// Returns the path of \a target if it is one of the folders above \a path, at any level, or
-// otherwise an empty string.
-QString folderAbove(const QString& path, const FileIdentity& target)
+// Returns the path of the folder above \a path, at any level, to which the symlink at \a path
+// leads, or an empty string if it leads elsewhere.
+QString folderAbove(const QString& path)
 {
+    const FileIdentity target(path);
     QString above = parentOf(path);
     while (!above.isEmpty() && !(target == FileIdentity(above)))
         above = parentOf(above);
@@ -35,8 +36,7 @@ QString folderAbove(const QString& path, const FileIdentity& target)
 
 } // namespace
 
-ProgramPlatform::ProgramPlatform(const QString& rootPath, const QStringList& excluded)
-    : m_rootPath(rootPath)
+ProgramPlatform::ProgramPlatform(const QStringList& excluded)
 {
     for (const QString& pattern : excluded) {
         m_exclusions.push_back(
@@ -59,8 +59,10 @@ void ProgramPlatform::expectFile(const QString& path)
 {
     const QFileInfo file(path);
     m_expectedPath = file.absolutePath();
-    m_expectedDirectory = FileIdentity(m_expectedPath);
     m_expectedName = file.fileName();
+    // A file that exists is listed anyway.
+    if (!file.isFile())
+        m_expectedDirectory = FileIdentity(m_expectedPath);
 }
 
 int ProgramPlatform::walkedFolders() const
@@ -130,14 +132,12 @@ QStringList ProgramPlatform::getDirectSubdirectoriesInDirectory(const QDir& dire
 {
     m_walkedFolders.fetch_add(1, std::memory_order_relaxed);
     const QString path = directory.path();
-    const FileIdentity entry = FileIdentity::ofEntry(path);
-    const FileIdentity folder = entry.isSymlink() ? FileIdentity(path) : entry;
     // This is noted during the walk, because finding it out again for each folder whose files are
     // counted would take time.
-    if (m_expectedDirectory == folder)
+    if (m_expectedDirectory && *m_expectedDirectory == FileIdentity(path))
         m_foldersOfExpected.append(path);
-    if (entry.isSymlink() && path != m_rootPath) {
-        if (const QString above = folderAbove(path, folder); !above.isEmpty()) {
+    if (m_symlinks.find(path) != m_symlinks.cend()) {
+        if (const QString above = folderAbove(path); !above.isEmpty()) {
             m_cycles.append({ path, above });
             return {};
         }
@@ -154,6 +154,12 @@ void ProgramPlatform::listingIncomplete(const QDir& directory, ListingProblem pr
     const IncompleteListing listing { problem, systemError };
     if (!listings.contains(listing))
         listings.append(listing);
+}
+
+void ProgramPlatform::symlinkListed(const QDir& directory, const QString& name) const
+{
+    const QString path = directory.path();
+    m_symlinks.insert(path.endsWith(u'/') ? path + name : path + u'/' + name);
 }
 
 // All patterns are tried even if one has matched already, because the user is told about each that

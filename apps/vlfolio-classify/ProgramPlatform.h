@@ -14,6 +14,7 @@
 #include <atomic>
 #include <map>
 #include <optional>
+#include <set>
 #include <vector>
 
 /// The platform service of the program, which is in use for as long as the object lives. As the
@@ -22,9 +23,8 @@
 class ProgramPlatform : public VLPlatformIndependent
 {
 public:
-    /// \param rootPath where the walk begins.
     /// \param excluded patterns of the names of folders that are left out.
-    ProgramPlatform(const QString& rootPath, const QStringList& excluded);
+    explicit ProgramPlatform(const QStringList& excluded);
     ~ProgramPlatform() override;
     Q_DISABLE_COPY_MOVE(ProgramPlatform)
 
@@ -57,6 +57,7 @@ public:
 protected:
     void listingIncomplete(const QDir& directory, ListingProblem problem,
                            int systemError) const override;
+    void symlinkListed(const QDir& directory, const QString& name) const override;
 
 private:
     struct Exclusion
@@ -74,7 +75,6 @@ private:
     [[nodiscard]] bool isExpectedIn(const QString& path) const;
     [[nodiscard]] bool isExcluded(const QString& name) const;
 
-    QString m_rootPath;
     bool m_opens = false;
     QString m_expectedPath;
     std::optional<FileIdentity> m_expectedDirectory;
@@ -85,6 +85,7 @@ private:
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
     mutable QList<Cycle> m_cycles;
-    // A QMap or a QHash would end the program when memory runs out.
+    // A QMap or a QSet would end the program when memory runs out.
+    mutable std::set<QString> m_symlinks;
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;
 };

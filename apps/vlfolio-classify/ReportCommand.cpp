@@ -65,7 +65,8 @@ bool writeReport(const Results& results, int rootPathLength, QFile& file)
     const Renderer renderer({}, rootPathLength, nameFilters);
     Results sorted;
     sorted.append(results);
-    std::sort(sorted.begin(), sorted.end(), Renderer::isSmaller);
+    if (!std::is_sorted(sorted.cbegin(), sorted.cend(), Renderer::isSmaller))
+        std::sort(sorted.begin(), sorted.end(), Renderer::isSmaller);
     QString text;
     QTextStream stream(&text);
     renderer.writeHTMLHeader(stream);
@@ -122,7 +123,7 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
         return fail(reason);
     }
 
-    ProgramPlatform platform(rootPath, commandLine.excluded);
+    ProgramPlatform platform(commandLine.excluded);
     platform.expectFile(reportPath);
     VLSingleton<VLLogger>::instance()->logFolioService(u"startClassifyEvent"_s);
     Results results;

@@ -3,44 +3,39 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QDirIterator>
+#include <QtCore/QFile>
+#include <QtCore/QFileInfo>
+#include <QtCore/QScopeGuard>
 
 #include <algorithm>
 #include <cerrno>
 #include <new>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using ListingProblem = VLPlatformIndependent::ListingProblem;
 
 namespace {
 
-int openDirectory(const QByteArray& path)
+// Resolving "." in a directory takes the permission to search it.
+bool isUnsearchable(int descriptor)
 {
-    return ::open(path.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    struct stat status = {};
+    return ::fstatat(descriptor, ".", &status, 0) != 0 && errno == EACCES;
+}
+
+// One problem of the directory stands for those of its entries that have the same cause.
+void addUnsearchable(VLPlatform::Listing& listing)
+{
+    listing.problems.removeIf([](const VLPlatform::Problem& problem) {
+        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
+    });
+    VLPlatform::addProblem(listing, ListingProblem::Unsearchable, EACCES);
 }
 
 } // namespace
-
-// Resolving "." in a directory takes the permission to search it, so that opening "path/." shows
-// without a further call whether the directory is searchable. A path of the greatest length that
-// the system allows has no room for it, and the empty path must not become that of the root.
-VLPlatform::OpenDirectory::OpenDirectory(const QByteArray& path)
-    : m_descriptor(openDirectory(path.isEmpty() ? path : path + "/."))
-    , m_error(isOpen() ? 0 : errno)
-{
-    if (m_error != EACCES && m_error != ENAMETOOLONG)
-        return;
-    m_isSearchable = m_error != EACCES;
-    m_descriptor = openDirectory(path);
-    m_error = isOpen() ? 0 : errno;
-}
-
-VLPlatform::OpenDirectory::~OpenDirectory()
-{
-    if (isOpen())
-        ::close(m_descriptor);
-}
 
 void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemError)
 {
@@ -53,32 +48,36 @@ void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemErr
         listing.problems.append({ kind, systemError });
 }
 
-void VLPlatform::addNotOpened(Listing& listing, const OpenDirectory& directory)
+VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
-    // A symlink to a pipe is listed like a directory, and has nothing in it.
-    if (directory.error() != ENOTDIR)
-        addProblem(listing, ListingProblem::Unreadable, directory.error());
+    Listing listing;
+    const int descriptor =
+        ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (descriptor < 0) {
+        // A symlink to a pipe is listed like a directory, and has nothing in it.
+        if (errno != ENOTDIR)
+            addProblem(listing, ListingProblem::Unreadable, errno);
+        return listing;
+    }
+    const auto closed = qScopeGuard([descriptor] { ::close(descriptor); });
+    listing = readEntries(descriptor, path, wanted);
+    // Without a problem, the list of files is complete even if the directory cannot be searched.
+    const bool isComplete = wanted == Wanted::Files || listing.names.isEmpty();
+    if (!(isComplete && listing.problems.isEmpty()) && isUnsearchable(descriptor))
+        addUnsearchable(listing);
+    return listing;
 }
 
-void VLPlatform::addIfUnsearchable(Listing& listing, const OpenDirectory& directory)
-{
-    if (directory.isSearchable())
-        return;
-    // One problem of the directory stands for those of its entries.
-    listing.problems.removeIf([](const Problem& problem) {
-        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
-    });
-    addProblem(listing, ListingProblem::Unsearchable, EACCES);
-}
-
-QStringList VLPlatform::namesListedByQt(const QString& path, Wanted wanted)
+VLPlatform::Listing VLPlatform::listingByQt(const QString& path, Wanted wanted)
 {
     const QDir::Filters filters =
         wanted == Wanted::Files ? QDir::Filters(QDir::Files) : QDir::Dirs | QDir::NoDotAndDotDot;
-    QStringList names;
+    Listing listing;
     for (QDirIterator entries(path, filters); entries.hasNext();) {
         entries.next();
-        names.append(entries.fileName());
+        listing.names.append(entries.fileName());
+        if (wanted == Wanted::Directories && entries.fileInfo().isSymbolicLink())
+            listing.symlinks.append(entries.fileName());
     }
-    return names;
+    return listing;
 }

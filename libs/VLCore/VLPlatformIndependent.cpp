@@ -30,7 +30,7 @@ VLPlatform::Listing listingOf(const QDir& directory, VLPlatform::Wanted wanted)
     if (QFileInfo(path).isNativePath())
         return VLPlatform::listing(path, wanted);
     // Only Qt can list what a file engine provides, such as resources.
-    return { VLPlatform::namesListedByQt(path, wanted), {} };
+    return VLPlatform::listingByQt(path, wanted);
 }
 
 } // namespace
@@ -56,17 +56,17 @@ bool VLPlatformIndependent::openFile(const QString& path, const QStringList& arg
 {
     // An absolute path cannot be mistaken for an option of the program.
     const QString absolutePath = QFileInfo(path).absoluteFilePath();
-    const auto command = VLPlatform::openCommand(absolutePath, arguments, application);
+    QStringList command = VLPlatform::openCommand(absolutePath, arguments, application);
     // Whoever reads the output of this process must not have to wait for the application to end.
     QProcess process;
-    process.setProgram(command.program);
-    process.setArguments(command.arguments);
+    process.setProgram(command.takeFirst());
+    process.setArguments(command);
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     if (process.startDetached())
         return true;
-    qWarning() << "Could not open file" << path << "with" << command.program;
+    qWarning() << "Could not open file" << path << "with" << process.program();
     return false;
 }
 
@@ -83,6 +83,8 @@ QStringList VLPlatformIndependent::getDirectSubdirectoriesInDirectory(const QDir
     const VLPlatform::Listing listing = listingOf(directory, VLPlatform::Wanted::Directories);
     for (const VLPlatform::Problem& problem : listing.problems)
         listingIncomplete(directory, problem.kind, problem.systemError);
+    for (const QString& name : listing.symlinks)
+        symlinkListed(directory, name);
     return listing.names;
 }
 
@@ -97,4 +99,10 @@ void VLPlatformIndependent::listingIncomplete(const QDir& directory, ListingProb
     Q_UNUSED(directory)
     Q_UNUSED(problem)
     Q_UNUSED(systemError)
+}
+
+void VLPlatformIndependent::symlinkListed(const QDir& directory, const QString& name) const
+{
+    Q_UNUSED(directory)
+    Q_UNUSED(name)
 }

@@ -105,4 +105,9 @@ protected:
     ///     text; 0 if the system gave none.
     virtual void listingIncomplete(const QDir& directory, ListingProblem problem,
                                    int systemError) const;
+
+    /// Called by the built-in getDirectSubdirectoriesInDirectory() for each of the names it returns
+    /// that is that of a symlink, so that a host need not ask the file system which folders are.
+    /// The built-in service does nothing.
+    virtual void symlinkListed(const QDir& directory, const QString& name) const;
 };

@@ -26,27 +26,12 @@ struct FileType
     int error = 0;
 };
 
-FileType fileTypeFrom(int result, const struct stat& status)
+FileType fileTypeOf(int directory, const char* path, int flags)
 {
-    return result == 0 ? FileType { status.st_mode & S_IFMT, 0 } : FileType { 0, errno };
-}
-
-// Most file systems return the file type of an entry along with its name.
-FileType fileTypeOf(int directory, const dirent64& entry)
-{
-    if (entry.d_type != DT_UNKNOWN)
-        return { static_cast<mode_t>(DTTOIF(entry.d_type)), 0 };
     struct stat status = {};
-    return fileTypeFrom(::fstatat(directory, entry.d_name, &status, AT_SYMLINK_NOFOLLOW), status);
-}
-
-// File type of the symlink's target. stat() by full path, not fstatat(): the kernel's limit of 40
-// symlinks counts per path, so that a cycle ends where it does with QDir.
-FileType targetTypeOf(const QByteArray& directoryPath, const dirent64& entry)
-{
-    const QByteArray path = directoryPath + '/' + entry.d_name;
-    struct stat status = {};
-    return fileTypeFrom(::stat(path.constData(), &status), status);
+    if (::fstatat(directory, path, &status, flags) != 0)
+        return { 0, errno };
+    return { status.st_mode & S_IFMT, 0 };
 }
 
 bool isAscii(QByteArrayView name)
@@ -77,103 +62,99 @@ bool isUndecodable(QByteArrayView name, const QString& decoded)
 class Reader
 {
 public:
-    Reader(const QByteArray& path, const VLPlatform::OpenDirectory& directory,
-           VLPlatform::Wanted wanted)
-        : m_path(path)
-        , m_directory(directory)
+    Reader(int descriptor, const QString& path, VLPlatform::Wanted wanted)
+        : m_descriptor(descriptor)
+        , m_path(path)
         , m_wantsFiles(wanted == VLPlatform::Wanted::Files)
     {
     }
 
     // readdir() is not used, because it takes the error ENOENT for the end of the directory.
-    void readAll()
+    VLPlatform::Listing readAll()
     {
         // The buffer is not initialized, because only what the system has written is read.
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
         alignas(dirent64) std::array<char, size_t(16) * 1024> buffer;
         ssize_t used = 0;
-        while ((used = ::getdents64(m_directory.descriptor(), buffer.data(), buffer.size())) > 0)
+        while ((used = ::getdents64(m_descriptor, buffer.data(), buffer.size())) > 0)
             addEntries(buffer.data(), used);
         if (used < 0)
-            VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
-        // The listing of a directory that cannot be searched is complete if all file types came
-        // with the names and there is no folder in it to be entered.
-        if (!listing.problems.isEmpty() || (!m_wantsFiles && !listing.names.isEmpty()))
-            VLPlatform::addIfUnsearchable(listing, m_directory);
+            VLPlatform::addProblem(m_listing, ListingProblem::Unreadable, errno);
+        return std::move(m_listing);
     }
-
-    VLPlatform::Listing listing;
 
 private:
     void addEntries(const char* entries, ssize_t size)
     {
         // In folders of pictures nearly all entries are files, and most take 32 bytes or more.
-        if (m_wantsFiles && listing.names.isEmpty())
-            listing.names.reserve(size / 32);
+        if (m_wantsFiles && m_listing.names.isEmpty())
+            m_listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + offset);
-            const bool isHidden = entry->d_name[0] == '.';
-            if (!isHidden && isWanted(*entry))
-                addName(static_cast<const char*>(entry->d_name));
+            if (entry->d_name[0] != '.')
+                addEntry(*entry);
             offset += entry->d_reclen;
         }
     }
 
-    bool isWanted(const dirent64& entry)
+    void addEntry(const dirent64& entry)
     {
-        FileType found = fileTypeOf(m_directory.descriptor(), entry);
+        const char* const name = static_cast<const char*>(entry.d_name);
+        // Most file systems return the file type of an entry along with its name.
+        FileType found { static_cast<mode_t>(DTTOIF(entry.d_type)), 0 };
+        if (entry.d_type == DT_UNKNOWN)
+            found = fileTypeOf(m_descriptor, name, AT_SYMLINK_NOFOLLOW);
         const bool isSymlink = found.type == S_IFLNK;
+        // The target is asked for by its whole path, because the kernel's limit of 40 symlinks
+        // counts per path. So a cycle ends where it does with QDir.
         if (isSymlink)
-            found = targetTypeOf(m_path, entry);
-        if (found.error != 0) {
-            addUnknownEntry(found.error);
-            return false;
-        }
-        if (m_wantsFiles)
-            return found.type == S_IFREG;
-        // QDir lists a symlink to anything but a regular file as a directory.
-        return isSymlink ? found.type != S_IFREG : found.type == S_IFDIR;
-    }
-
-    void addUnknownEntry(int error)
-    {
+            found = fileTypeOf(AT_FDCWD, (QFile::encodeName(m_path) + '/' + name).constData(), 0);
         // A dangling symlink, a cycle of symlinks and a removed entry hide no folder and no file.
-        if (error != ENOENT && error != ENOTDIR && error != ELOOP)
-            VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, error);
+        if (found.error == ENOENT || found.error == ENOTDIR || found.error == ELOOP)
+            return;
+        if (found.error != 0)
+            VLPlatform::addProblem(m_listing, ListingProblem::UnknownEntry, found.error);
+        else if (isWanted(found.type, isSymlink))
+            addName(name, isSymlink);
     }
 
-    void addName(QByteArrayView bytes)
+    [[nodiscard]] bool isWanted(mode_t type, bool isSymlink) const
     {
-        QString name = decoded(bytes);
-        if (!m_wantsFiles && isUndecodable(bytes, name))
-            VLPlatform::addProblem(listing, ListingProblem::UndecodableName, 0);
-        else
-            listing.names.append(std::move(name));
+        if (m_wantsFiles)
+            return type == S_IFREG;
+        // QDir lists a symlink to anything but a regular file as a directory.
+        return isSymlink ? type != S_IFREG : type == S_IFDIR;
     }
 
-    const QByteArray& m_path;
-    const VLPlatform::OpenDirectory& m_directory;
+    void addName(QByteArrayView bytes, bool isSymlink)
+    {
+        const QString name = decoded(bytes);
+        if (!m_wantsFiles && isUndecodable(bytes, name)) {
+            VLPlatform::addProblem(m_listing, ListingProblem::UndecodableName, 0);
+            return;
+        }
+        m_listing.names.append(name);
+        if (!m_wantsFiles && isSymlink)
+            m_listing.symlinks.append(name);
+    }
+
+    int m_descriptor;
+    const QString& m_path;
     bool m_wantsFiles;
+    VLPlatform::Listing m_listing;
 };
 
 } // namespace
 
-VLPlatform::Command VLPlatform::openCommand(const QString& path, const QStringList& arguments,
-                                            const QString& application)
+QStringList VLPlatform::openCommand(const QString& path, const QStringList& arguments,
+                                    const QString& application)
 {
     if (application.isEmpty())
-        return { u"xdg-open"_s, { path } };
-    return { application, arguments + QStringList { path } };
+        return { u"xdg-open"_s, path };
+    return QStringList { application } + arguments + QStringList { path };
 }
 
-VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
+VLPlatform::Listing VLPlatform::readEntries(int descriptor, const QString& path, Wanted wanted)
 {
-    const QByteArray name = QFile::encodeName(path);
-    const OpenDirectory directory(name);
-    Reader reader(name, directory, wanted);
-    if (directory.isOpen())
-        reader.readAll();
-    else
-        addNotOpened(reader.listing, directory);
-    return std::move(reader.listing);
+    return Reader(descriptor, path, wanted).readAll();
 }

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void errorsOfOthersDoNotCount();
     void permissions_data();
     void permissions();
+    void completeAlthoughItCannotBeSearched();
     void undecodableNames_data();
     void undecodableNames();
     void eachProblemOnce();
@@ -105,8 +106,7 @@ void tst_VLPlatform::openCommand()
 {
     QFETCH(const QStringList, arguments);
     QFETCH(const QString, application);
-    const auto command = VLPlatform::openCommand(u"/p/r.html"_s, arguments, application);
-    QTEST(QStringList { command.program } + command.arguments, "command");
+    QTEST(VLPlatform::openCommand(u"/p/r.html"_s, arguments, application), "command");
 }
 
 void tst_VLPlatform::files()
@@ -125,6 +125,7 @@ void tst_VLPlatform::files()
         names += QStringList { u"linkToDevice"_s, u"linkToPipe"_s, u"linkToSocket"_s };
     const Listing found = listed(Wanted::Files);
     QCOMPARE(sorted(found.names), sorted(names));
+    QCOMPARE(found.symlinks, QStringList());
     QCOMPARE(problemsOf(found), QStringList());
 }
 
@@ -177,6 +178,10 @@ void tst_VLPlatform::directories()
     QVERIFY(names.contains(u"a"_s) && names.contains(u"linkToPipe"_s));
     const Listing found = listed(Wanted::Directories);
     QCOMPARE(sorted(found.names), sorted(names));
+    QCOMPARE(
+        sorted(found.symlinks),
+        (QStringList { u"here"_s, u"link"_s, u"linkToDevice"_s, u"linkToHidden"_s, u"linkToLink"_s,
+                       u"linkToPipe"_s, u"linkToSocket"_s, u"linkToTty"_s, u"up"_s }));
     QCOMPARE(problemsOf(found), QStringList());
 }
 
@@ -253,6 +258,20 @@ void tst_VLPlatform::permissions()
     const Listing found = listed(wanted, "closed");
     QTEST(sorted(found.names), "names");
     QTEST(problemsOf(found), "problems");
+}
+
+// The files were told apart without being accessed, and there is no folder to be entered.
+void tst_VLPlatform::completeAlthoughItCannotBeSearched()
+{
+    m_tree->make({ "closed/", "closed/file" });
+    m_tree->restrict("", 0755).restrict("closed", 0444);
+    QVERIFY2(m_tree->isValid(), m_tree->error());
+    const UnprivilegedUser user;
+    if (!user.isActive())
+        QSKIP("Needs a user without the superuser's rights");
+    QCOMPARE(listed(Wanted::Files, "closed").names, QStringList { u"file"_s });
+    for (const Wanted wanted : { Wanted::Files, Wanted::Directories })
+        QCOMPARE(problemsOf(listed(wanted, "closed")), QStringList());
 }
 
 void tst_VLPlatform::undecodableNames_data()

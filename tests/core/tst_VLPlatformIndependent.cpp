@@ -118,6 +118,7 @@ private Q_SLOTS:
     void filtersOfTheDirectoryAreIgnored();
     void filesOfAFileEngineAreListed();
     void incompleteListingsAreTold();
+    void symlinksAreTold();
     void workingDirectoryThatNoPathLeadsTo();
 
     void applicationGetsTheFile_data();
@@ -257,6 +258,17 @@ void tst_VLPlatformIndependent::incompleteListingsAreTold()
         QCOMPARE(incomplete.problem, VLPlatformIndependent::ListingProblem::Unreadable);
         QCOMPARE(incomplete.systemError, ENOENT);
     }
+}
+
+void tst_VLPlatformIndependent::symlinksAreTold()
+{
+    m_tree->make({ "folder/", "file", "link -> folder", "linkToFile -> file" });
+    QVERIFY2(m_tree->isValid(), m_tree->error());
+    const RecordingPlatform ofHost;
+    QCOMPARE(filesIn(path()).size(), 2);
+    QCOMPARE(ofHost.symlinks, QStringList());
+    QCOMPARE(foldersIn(path()).size(), 2);
+    QCOMPARE(ofHost.symlinks, QStringList { path("link") });
 }
 
 void tst_VLPlatformIndependent::workingDirectoryThatNoPathLeadsTo()

@@ -173,11 +173,12 @@ private:
 
 LastToGo lastToGo; // clazy:exclude=non-pod-global-static
 
-/// Shows the operation that only derived classes see.
+/// Shows the operations that only derived classes see.
 class OpenPlatform : public VLPlatformIndependent
 {
 public:
     using VLPlatformIndependent::listingIncomplete;
+    using VLPlatformIndependent::symlinkListed;
 };
 
 /// Where a virtual operation stands in the table of virtual operations, counted from 0. So both
@@ -309,6 +310,7 @@ void tst_core::virtualOperationsKeepTheirOrder()
         slotOf(&Platform::getDirectSubdirectoriesInDirectory),
         slotOf(&Platform::directoryContentsChanged),
         slotOf(&OpenPlatform::listingIncomplete),
+        slotOf(&OpenPlatform::symlinkListed),
     };
     for (const QList<int>& operations : { ofType, ofPlatform, { slotOf(&VLLogger::initialize) } }) {
         for (qsizetype i = 0; i < operations.size(); ++i)

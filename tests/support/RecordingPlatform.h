@@ -81,12 +81,19 @@ public:
     Action walked;
     /// What listings left out.
     mutable QList<Incomplete> incomplete;
+    /// The paths of the symlinks that were listed.
+    mutable QStringList symlinks;
 
 protected:
     void listingIncomplete(const QDir& directory, ListingProblem problem,
                            int systemError) const override
     {
         incomplete.append({ directory.path(), problem, systemError });
+    }
+
+    void symlinkListed(const QDir& directory, const QString& name) const override
+    {
+        symlinks.append(directory.path() + QLatin1Char('/') + name);
     }
 
 private:
