@@ -1,5 +1,7 @@
 #include "VLClassificationResultsRendererHTML.h"
 
+#include "VLOwnFileInfo_p.h"
+
 #include <VLCore/VLKomma_p.h>
 #include <VLCore/VLPlatformIndependent.h>
 
@@ -8,6 +10,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QScopeGuard>
+#include <QtCore/QStringBuilder>
 
 #include <algorithm>
 #include <utility>
@@ -49,33 +52,16 @@ QString occasionText(const VLOccasionInfoList& occasions)
     return occasions.isEmpty() ? u"no data"_s : occasions.description();
 }
 
-// The text of a message is complete before it is logged. A debug stream would log what it has so
-// far when memory runs out, from a destructor that must not throw.
-QString removalText(const QString& path, bool removed)
+// The text is complete before it is logged. A debug stream would log what it has so far when memory
+// runs out, from a destructor that must not throw. QMessageLogger is not used, because its format
+// would end the text at a null character in a path.
+template <typename... Parts>
+void log(QtMsgType type, const QMessageLogContext& context, const Parts&... parts)
 {
     QString text;
-    QDebug(&text) << "removing file" << path << "succeeded: " << removed;
-    return text.chopped(1);
-}
-
-QString failureText(const QFileInfo& reportFile, const QFile& file)
-{
-    QString text;
-    QDebug(&text) << "Could not write to file" << reportFile << static_cast<int>(file.error())
-                  << file.errorString();
-    return text.chopped(1);
-}
-
-// QMessageLogger is not used, because its format would end the text at a null character in a path.
-void log(QtMsgType type, const QMessageLogContext& context, const QString& text)
-{
+    (QDebug(&text) << ... << parts);
     if (QLoggingCategory::defaultCategory()->isEnabled(type))
-        qt_message_output(type, context, text);
-}
-
-void writeCell(QTextStream& stream, const QString& text)
-{
-    stream << "\t\t\t\t<td>"_L1 << text << "</td>\n"_L1;
+        qt_message_output(type, context, text.chopped(1));
 }
 
 } // namespace
@@ -88,7 +74,9 @@ VLClassificationResultsRendererHTML::VLClassificationResultsRendererHTML(
 {
     // A shared copy would be detached by sorting, which crashes if there is no memory for it.
     results.append(classificationResults);
-    std::sort(results.begin(), results.end(), isSmaller);
+    // A walk often ends with its results in this order.
+    if (!std::is_sorted(results.cbegin(), results.cend(), isSmaller))
+        std::sort(results.begin(), results.end(), isSmaller);
 }
 
 VLClassificationResultsRendererHTML::~VLClassificationResultsRendererHTML() = default;
@@ -96,7 +84,8 @@ VLClassificationResultsRendererHTML::~VLClassificationResultsRendererHTML() = de
 bool VLClassificationResultsRendererHTML::isSmaller(const VLEventFolderClassificationResult& first,
                                                     const VLEventFolderClassificationResult& second)
 {
-    return first.directory().absoluteFilePath() < second.directory().absoluteFilePath();
+    return VLOwnFileInfo::absolutePath(first.directory())
+        < VLOwnFileInfo::absolutePath(second.directory());
 }
 
 // The function is not const, because its signature, as the compiler spells it, is logged with the
@@ -109,7 +98,7 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
     if (file.exists()) {
         const bool removed = file.remove();
         log(QtDebugMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
-            removalText(path, removed));
+            "removing file", path, "succeeded: ", removed);
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
@@ -126,7 +115,8 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
         file.close();
     } else {
         log(QtWarningMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
-            failureText(reportFile, file));
+            "Could not write to file", reportFile, static_cast<int>(file.error()),
+            file.errorString());
     }
     VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
 }
@@ -152,15 +142,18 @@ void VLClassificationResultsRendererHTML::writeTableEntry(
     QTextStream& stream, const VLEventFolderClassificationResult& result) const
 {
     const VLEventFolderType type = result.classification();
-    const QString path = result.directory().absoluteFilePath();
+    const QString path = VLOwnFileInfo::absolutePath(result.directory());
     const bool isRoot = type == VLEventFolderTypeEnum::Root;
 
-    stream << "\t\t\t<tr class="_L1 << type.name() << ">\n"_L1;
-    writeCell(stream, type.name());
-    writeCell(stream, isRoot ? path : path.mid(rootPathLength));
-    writeCell(stream, QString::number(directFileCount(path)));
-    writeCell(stream, occasionText(result.occasionInformation()));
-    stream << "\t\t\t</tr>\n"_L1;
+    const QString name = type.name();
+    const QString shown = isRoot ? path : path.mid(rootPathLength);
+    const QString count = QString::number(directFileCount(path));
+    const QString occasion = occasionText(result.occasionInformation());
+    constexpr QLatin1StringView cell("\t\t\t\t<td>");
+    constexpr QLatin1StringView cellEnd("</td>\n");
+    stream << QString("\t\t\t<tr class="_L1 % name % ">\n"_L1 % cell % name % cellEnd % cell % shown
+                      % cellEnd % cell % count % cellEnd % cell % occasion % cellEnd
+                      % "\t\t\t</tr>\n"_L1);
 }
 
 void VLClassificationResultsRendererHTML::writeTableEnd(QTextStream& stream) const

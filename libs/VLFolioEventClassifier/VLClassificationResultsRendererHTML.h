@@ -20,9 +20,7 @@
 /// without HTML escapes. The write functions can also be called one by one.
 ///
 /// Threads: an object belongs to one thread at a time. Several threads may each have an object with
-/// copies of the results of one walk. With copies of other results that holds only once
-/// QFileInfo::absoluteFilePath() was called on their directories, because QFileInfo caches the path
-/// without a lock.
+/// copies of the same results if these are of a walk, or if their directories are absolute paths.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLClassificationResultsRendererHTML
 {
 public:

@@ -18,7 +18,7 @@ bool VLEventFolderClassificationResult::operator==(
 
 QString VLEventFolderClassificationResult::render(int prefixLength) const
 {
-    const QString path = VLOwnFileInfo::detached(m_directory).absoluteFilePath().mid(prefixLength);
+    const QString path = VLOwnFileInfo::absolutePath(m_directory).mid(prefixLength);
     // Two calls, as documented: the second one replaces a placeholder in the path before the "%2".
     const QString line = u"%2 <= %1"_s.arg(path);
     return line.arg(m_classification.name(), 7);

@@ -26,6 +26,6 @@ QString VLEventFolderClassificationResultList::toString()
     QStringList paths;
     paths.reserve(size());
     for (const VLEventFolderClassificationResult& result : std::as_const(*this))
-        paths.append(VLOwnFileInfo::detached(result.directory()).absoluteFilePath());
+        paths.append(VLOwnFileInfo::absolutePath(result.directory()));
     return paths.join(u'\n');
 }

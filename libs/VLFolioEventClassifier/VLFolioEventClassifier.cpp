@@ -151,7 +151,7 @@ Q_NEVER_INLINE void appendTo(QList<VLEventFolderClassificationResult>& results,
 // name such as ":name" for that of a resource.
 Q_NEVER_INLINE QFileInfoList subdirectoriesOf(const QFileInfo& directory)
 {
-    const QDir dir(directory.absoluteFilePath());
+    const QDir dir(VLOwnFileInfo::absolutePath(directory));
     const QStringList names =
         VLPlatformIndependent::instance()->getDirectSubdirectoriesInDirectory(dir);
     // The names are not sorted in place, because a list that the service shares would be detached,
@@ -235,7 +235,7 @@ VLFolioEventClassifier::eventFolderType(const QFileInfo& directory) const
 {
     if (isRoot(directory, rootDirectory))
         return { directory, VLEventFolderTypeEnum::Root };
-    if (directory.absoluteFilePath().startsWith(photoLibraryPrefix, Qt::CaseSensitive))
+    if (VLOwnFileInfo::absolutePath(directory).startsWith(photoLibraryPrefix, Qt::CaseSensitive))
         return { directory, VLEventFolderTypeEnum::Event };
     return { directory, eventFolderType(directory.fileName()) };
 }

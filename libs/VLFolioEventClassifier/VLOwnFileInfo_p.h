@@ -15,4 +15,8 @@ namespace VLOwnFileInfo {
 /// default-constructed QFileInfo is equal only to its copies.
 [[nodiscard]] QFileInfo detached(const QFileInfo& info);
 
+/// Returns what QFileInfo::absoluteFilePath() returns. If \a info is absolute, nothing is cached in
+/// its data, so that other threads may use copies of it, and it takes no more memory than before.
+[[nodiscard]] QString absolutePath(const QFileInfo& info);
+
 } // namespace VLOwnFileInfo

@@ -27,19 +27,14 @@ bool neverSameName(QStringView first, QStringView second)
         && first.compare(second, Qt::CaseInsensitive) != 0;
 }
 
-// Returns false for a removed file, too, because a QFileInfo may have cached where a removed
-// symlink led. QFileInfo::isSymLink() is not used, because it would cache its answer, along with a
-// second copy of the path, in every result.
-bool isNoSymlink(const QString& path)
-{
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISLNK(status.st_mode);
-}
-
-// Returns true if the canonical path of the directory certainly ends with \a name, its own name.
+// Returns true if the canonical path of the directory certainly ends with \a name, its own name:
+// not for a removed file, because a QFileInfo may have cached where a removed symlink led.
+// QFileInfo::isSymLink() is not used, because it would cache its answer in every result.
 bool keepsItsName(const QString& path, QStringView name)
 {
-    return !name.isEmpty() && name != "."_L1 && name != ".."_L1 && isNoSymlink(path);
+    struct stat status = {};
+    return !name.isEmpty() && name != "."_L1 && name != ".."_L1
+        && ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISLNK(status.st_mode);
 }
 
 // The system is asked about both, because a QFileInfo may have cached the path of a directory that

@@ -460,6 +460,7 @@ void tst_model::renderedResult_data()
     row("non_latin", u"/vl/\u5199\u771F"_s, 16, 4, u"  Event <= \u5199\u771F"_s);
     row("trailing_slash_stays", u"/vl/a/"_s, 16, 4, u"  Event <= a/"_s);
     row("detours_are_cleaned", u"/vl/b/../a"_s, 16, 4, u"  Event <= a"_s);
+    row("doubled_slashes_are_cleaned", u"/vl//a"_s, 16, 4, u"  Event <= a"_s);
     row("root_of_the_file_system", u"/"_s, 1, 0, u"   Root <= /"_s);
     row("no_directory", u""_s, 0, 17, u"Unknown <= "_s);
 }
