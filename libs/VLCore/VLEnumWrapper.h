@@ -34,8 +34,7 @@
 template <typename E>
 class VL_TEMPLATE_EXPORT VLEnumWrapper
 {
-    static_assert(std::is_same_v<std::underlying_type_t<E>, qint32>,
-                  "VLEnumWrapper wraps enumerations of signed 32-bit values");
+    static_assert(std::is_same_v<std::underlying_type_t<E>, qint32>);
 
 public:
     /// Makes the value 0.
@@ -80,24 +79,14 @@ public:
     /// `|=` adds the flags of \a other, and `&=` keeps only those that \a other has, too.
     virtual VLEnumWrapper& operator|=(const VLEnumWrapper& other)
     {
-        m_value = E(raw(m_value) | raw(other.m_value));
-        return *this;
+        return set(raw(m_value) | raw(other.m_value));
     }
-    virtual VLEnumWrapper& operator|=(E other)
-    {
-        m_value = E(raw(m_value) | raw(other));
-        return *this;
-    }
+    virtual VLEnumWrapper& operator|=(E other) { return set(raw(m_value) | raw(other)); }
     virtual VLEnumWrapper& operator&=(const VLEnumWrapper& other)
     {
-        m_value = E(raw(m_value) & raw(other.m_value));
-        return *this;
+        return set(raw(m_value) & raw(other.m_value));
     }
-    virtual VLEnumWrapper& operator&=(E other)
-    {
-        m_value = E(raw(m_value) & raw(other));
-        return *this;
-    }
+    virtual VLEnumWrapper& operator&=(E other) { return set(raw(m_value) & raw(other)); }
     /// \}
 
     /// The flags that both have, as a raw value.
@@ -129,6 +118,11 @@ public:
 
 private:
     static constexpr qint32 raw(E value) noexcept { return qint32(value); }
+    VLEnumWrapper& set(qint32 value) noexcept
+    {
+        m_value = E(value);
+        return *this;
+    }
 
     E m_value {};
 };
@@ -146,8 +140,7 @@ VLEnumToStringTable<E>* VLEnumWrapper<E>::enumToStringTable() const
     if (myTable.loadRelaxed() == nullptr) {
         auto table = std::make_unique<VLEnumToStringTable<E>>();
         fillTable(table.get());
-        // The pointer is stored last, so that a thread that reads it without the lock finds the
-        // table complete.
+        // It is stored last, so that a thread without the lock finds the table complete.
         myTable.storeRelease(table.release());
     }
     return myTable.loadRelaxed();

@@ -19,16 +19,13 @@ using ListingProblem = VLPlatformIndependent::ListingProblem;
 
 namespace {
 
-// Resolving "." in a directory takes the permission to search it.
-bool isUnsearchable(int descriptor)
+// If the directory cannot be searched, adds that problem in place of those of single entries that
+// have the same cause. Resolving "." in a directory takes the permission to search it.
+void addIfUnsearchable(VLPlatform::Listing& listing, int descriptor)
 {
     struct stat status = {};
-    return ::fstatat(descriptor, ".", &status, 0) != 0 && errno == EACCES;
-}
-
-// One problem of the directory stands for those of its entries that have the same cause.
-void addUnsearchable(VLPlatform::Listing& listing)
-{
+    if (::fstatat(descriptor, ".", &status, 0) == 0 || errno != EACCES)
+        return;
     listing.problems.removeIf([](const VLPlatform::Problem& problem) {
         return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
     });
@@ -63,8 +60,8 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
     listing = readEntries(descriptor, path, wanted);
     // Without a problem, the list of files is complete even if the directory cannot be searched.
     const bool isComplete = wanted == Wanted::Files || listing.names.isEmpty();
-    if (!(isComplete && listing.problems.isEmpty()) && isUnsearchable(descriptor))
-        addUnsearchable(listing);
+    if (!isComplete || !listing.problems.isEmpty())
+        addIfUnsearchable(listing, descriptor);
     return listing;
 }
 

@@ -13,13 +13,6 @@ namespace {
 Q_CONSTINIT QBasicAtomicPointer<VLPlatformIndependent> hostService =
     Q_BASIC_ATOMIC_INITIALIZER(nullptr);
 
-VLPlatformIndependent* builtInService()
-{
-    // Never deleted: code that runs at process exit may still ask for it.
-    static auto* const service = new VLPlatformIndependent;
-    return service;
-}
-
 VLPlatform::Listing listingOf(const QDir& directory, VLPlatform::Wanted wanted)
 {
     const QString path = directory.path();
@@ -43,7 +36,9 @@ VLPlatformIndependent* VLPlatformIndependent::instance()
 {
     if (auto* const service = hostService.loadAcquire())
         return service;
-    return builtInService();
+    // Never deleted: code that runs at process exit may still ask for it.
+    static auto* const builtInService = new VLPlatformIndependent;
+    return builtInService;
 }
 
 void VLPlatformIndependent::setInstance(VLPlatformIndependent* service)
@@ -88,21 +83,8 @@ QStringList VLPlatformIndependent::getDirectSubdirectoriesInDirectory(const QDir
     return listing.names;
 }
 
-void VLPlatformIndependent::directoryContentsChanged(const QDir& directory)
-{
-    Q_UNUSED(directory)
-}
+void VLPlatformIndependent::directoryContentsChanged(const QDir&) { }
 
-void VLPlatformIndependent::listingIncomplete(const QDir& directory, ListingProblem problem,
-                                              int systemError) const
-{
-    Q_UNUSED(directory)
-    Q_UNUSED(problem)
-    Q_UNUSED(systemError)
-}
+void VLPlatformIndependent::listingIncomplete(const QDir&, ListingProblem, int) const { }
 
-void VLPlatformIndependent::symlinkListed(const QDir& directory, const QString& name) const
-{
-    Q_UNUSED(directory)
-    Q_UNUSED(name)
-}
+void VLPlatformIndependent::symlinkListed(const QDir&, const QString&) const { }

@@ -95,19 +95,15 @@ public:
 
 protected:
     /// Called by both built-in listings when a listing of \a directory is incomplete, so that a
-    /// host can tell its user. Each listing calls it at most once for each pair of \a problem and
-    /// \a systemError; the two listings of a directory may report the same. The built-in service
-    /// does nothing.
-    ///
-    /// \param directory the directory that was listed.
-    /// \param problem why the listing is incomplete.
-    /// \param systemError the system's error number (errno), for which qt_error_string() has a
-    ///     text; 0 if the system gave none.
+    /// host can tell its user. \a systemError is the system's error number (errno), for which
+    /// qt_error_string() has a text, or 0 if the system gave none. Each listing calls this at most
+    /// once for each pair of \a problem and \a systemError; the two listings of a directory may
+    /// report the same. The built-in service does nothing.
     virtual void listingIncomplete(const QDir& directory, ListingProblem problem,
                                    int systemError) const;
 
-    /// Called by the built-in getDirectSubdirectoriesInDirectory() for each of the names it returns
-    /// that is that of a symlink, so that a host need not ask the file system which folders are.
-    /// The built-in service does nothing.
+    /// Called by the built-in getDirectSubdirectoriesInDirectory() for each \a name that it returns
+    /// and that is the name of a symlink. A host that treats symlinks in another way, for instance
+    /// to end at cycles, need not ask the file system for them. The built-in service does nothing.
     virtual void symlinkListed(const QDir& directory, const QString& name) const;
 };

@@ -59,16 +59,8 @@ bool isUndecodable(QByteArrayView name, const QString& decoded)
 }
 
 /// Reads the entries of one open directory.
-class Reader
+struct Reader
 {
-public:
-    Reader(int descriptor, const QString& path, VLPlatform::Wanted wanted)
-        : m_descriptor(descriptor)
-        , m_path(path)
-        , m_wantsFiles(wanted == VLPlatform::Wanted::Files)
-    {
-    }
-
     // readdir() is not used, because it takes the error ENOENT for the end of the directory.
     VLPlatform::Listing readAll()
     {
@@ -76,19 +68,18 @@ public:
         // NOLINTNEXTLINE(cppcoreguidelines-pro-type-member-init)
         alignas(dirent64) std::array<char, size_t(16) * 1024> buffer;
         ssize_t used = 0;
-        while ((used = ::getdents64(m_descriptor, buffer.data(), buffer.size())) > 0)
+        while ((used = ::getdents64(descriptor, buffer.data(), buffer.size())) > 0)
             addEntries(buffer.data(), used);
         if (used < 0)
-            VLPlatform::addProblem(m_listing, ListingProblem::Unreadable, errno);
-        return std::move(m_listing);
+            VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
+        return std::move(listing);
     }
 
-private:
     void addEntries(const char* entries, ssize_t size)
     {
         // In folders of pictures nearly all entries are files, and most take 32 bytes or more.
-        if (m_wantsFiles && m_listing.names.isEmpty())
-            m_listing.names.reserve(size / 32);
+        if (wanted == VLPlatform::Wanted::Files && listing.names.isEmpty())
+            listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + offset);
             if (entry->d_name[0] != '.')
@@ -103,45 +94,40 @@ private:
         // Most file systems return the file type of an entry along with its name.
         FileType found { static_cast<mode_t>(DTTOIF(entry.d_type)), 0 };
         if (entry.d_type == DT_UNKNOWN)
-            found = fileTypeOf(m_descriptor, name, AT_SYMLINK_NOFOLLOW);
+            found = fileTypeOf(descriptor, name, AT_SYMLINK_NOFOLLOW);
         const bool isSymlink = found.type == S_IFLNK;
         // The target is asked for by its whole path, because the kernel's limit of 40 symlinks
         // counts per path. So a cycle ends where it does with QDir.
         if (isSymlink)
-            found = fileTypeOf(AT_FDCWD, (QFile::encodeName(m_path) + '/' + name).constData(), 0);
+            found = fileTypeOf(AT_FDCWD, (QFile::encodeName(path) + '/' + name).constData(), 0);
         // A dangling symlink, a cycle of symlinks and a removed entry hide no folder and no file.
         if (found.error == ENOENT || found.error == ENOTDIR || found.error == ELOOP)
             return;
-        if (found.error != 0)
-            VLPlatform::addProblem(m_listing, ListingProblem::UnknownEntry, found.error);
-        else if (isWanted(found.type, isSymlink))
-            addName(name, isSymlink);
-    }
-
-    [[nodiscard]] bool isWanted(mode_t type, bool isSymlink) const
-    {
-        if (m_wantsFiles)
-            return type == S_IFREG;
+        const bool isFile = found.type == S_IFREG;
         // QDir lists a symlink to anything but a regular file as a directory.
-        return isSymlink ? type != S_IFREG : type == S_IFDIR;
+        const bool isFolder = isSymlink ? !isFile : found.type == S_IFDIR;
+        if (found.error != 0)
+            VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, found.error);
+        else if (wanted == VLPlatform::Wanted::Files ? isFile : isFolder)
+            addName(name, isSymlink);
     }
 
     void addName(QByteArrayView bytes, bool isSymlink)
     {
         const QString name = decoded(bytes);
-        if (!m_wantsFiles && isUndecodable(bytes, name)) {
-            VLPlatform::addProblem(m_listing, ListingProblem::UndecodableName, 0);
+        if (wanted == VLPlatform::Wanted::Directories && isUndecodable(bytes, name)) {
+            VLPlatform::addProblem(listing, ListingProblem::UndecodableName, 0);
             return;
         }
-        m_listing.names.append(name);
-        if (!m_wantsFiles && isSymlink)
-            m_listing.symlinks.append(name);
+        listing.names.append(name);
+        if (wanted == VLPlatform::Wanted::Directories && isSymlink)
+            listing.symlinks.append(name);
     }
 
-    int m_descriptor;
-    const QString& m_path;
-    bool m_wantsFiles;
-    VLPlatform::Listing m_listing;
+    int descriptor = -1;
+    QString path;
+    VLPlatform::Wanted wanted = VLPlatform::Wanted::Files;
+    VLPlatform::Listing listing {};
 };
 
 } // namespace
@@ -156,5 +142,5 @@ QStringList VLPlatform::openCommand(const QString& path, const QStringList& argu
 
 VLPlatform::Listing VLPlatform::readEntries(int descriptor, const QString& path, Wanted wanted)
 {
-    return Reader(descriptor, path, wanted).readAll();
+    return Reader { descriptor, path, wanted }.readAll();
 }

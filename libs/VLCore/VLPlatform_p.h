@@ -2,7 +2,6 @@
 
 #include "VLPlatformIndependent.h"
 
-#include <QtCore/QByteArray>
 #include <QtCore/QList>
 #include <QtCore/QString>
 #include <QtCore/QStringList>

@@ -39,19 +39,6 @@ constexpr QLatin1StringView tableStart("\t\t<table>\n"
                                        "\t\t\t</tr>\n");
 constexpr QLatin1StringView tableEnd("\t\t</table>\n");
 
-int directFileCount(const QString& path)
-{
-    const QStringList files =
-        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
-    return static_cast<int>(files.size());
-}
-
-QString occasionText(const VLOccasionInfoList& occasions)
-{
-    // The list's own text for an empty list is spelled differently, "no Data".
-    return occasions.isEmpty() ? u"no data"_s : occasions.description();
-}
-
 // The text is complete before it is logged. A debug stream would log what it has so far when memory
 // runs out, from a destructor that must not throw. QMessageLogger is not used, because its format
 // would end the text at a null character in a path.
@@ -92,13 +79,14 @@ bool VLClassificationResultsRendererHTML::isSmaller(const VLEventFolderClassific
 // messages.
 void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFile)
 {
+    const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
+                                     "default");
     const QString path = reportFile.absoluteFilePath();
     QFile file(path);
     // Unlike the static function, the member also returns true for a dangling symlink.
     if (file.exists()) {
         const bool removed = file.remove();
-        log(QtDebugMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
-            "removing file", path, "succeeded: ", removed);
+        log(QtDebugMsg, context, "removing file", path, "succeeded: ", removed);
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
@@ -114,9 +102,8 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
         stream.flush();
         file.close();
     } else {
-        log(QtWarningMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
-            "Could not write to file", reportFile, static_cast<int>(file.error()),
-            file.errorString());
+        log(QtWarningMsg, context, "Could not write to file", reportFile,
+            static_cast<int>(file.error()), file.errorString());
     }
     VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
 }
@@ -141,14 +128,17 @@ void VLClassificationResultsRendererHTML::writeTableStart(QTextStream& stream) c
 void VLClassificationResultsRendererHTML::writeTableEntry(
     QTextStream& stream, const VLEventFolderClassificationResult& result) const
 {
-    const VLEventFolderType type = result.classification();
     const QString path = VLOwnFileInfo::absolutePath(result.directory());
-    const bool isRoot = type == VLEventFolderTypeEnum::Root;
+    const QStringList files =
+        VLPlatformIndependent::instance()->getDirectFilesInDirectory(QDir(path));
+    const VLOccasionInfoList occasions = result.occasionInformation();
 
-    const QString name = type.name();
+    const QString name = result.classification().name();
+    const bool isRoot = result.classification() == VLEventFolderTypeEnum::Root;
     const QString shown = isRoot ? path : path.mid(rootPathLength);
-    const QString count = QString::number(directFileCount(path));
-    const QString occasion = occasionText(result.occasionInformation());
+    const QString count = QString::number(files.size());
+    // The list's own text for an empty list is spelled differently, "no Data".
+    const QString occasion = occasions.isEmpty() ? u"no data"_s : occasions.description();
     constexpr QLatin1StringView cell("\t\t\t\t<td>");
     constexpr QLatin1StringView cellEnd("</td>\n");
     stream << QString("\t\t\t<tr class="_L1 % name % ">\n"_L1 % cell % name % cellEnd % cell % shown
@@ -163,6 +153,5 @@ void VLClassificationResultsRendererHTML::writeTableEnd(QTextStream& stream) con
 
 void VLClassificationResultsRendererHTML::writeHTMLEnd(QTextStream& stream) const
 {
-    stream << "\t</body>\n"_L1
-           << "</html>\n"_L1;
+    stream << "\t</body>\n</html>\n"_L1;
 }

@@ -33,7 +33,6 @@ constexpr QLatin1StringView photoLibraryPrefix("photokit");
 
 constexpr std::array formatTypes { QLocale::LongFormat, QLocale::ShortFormat,
                                    QLocale::NarrowFormat };
-constexpr std::array dateFormats { Qt::TextDate, Qt::RFC2822Date };
 
 struct ContextRule
 {
@@ -63,12 +62,10 @@ bool becomesEvent(const VLEventFolderType& ownType, const VLEventFolderType& par
 
 QDate toDate(const QLocale& locale, const QString& name, QLocale::FormatType formatType)
 {
-    constexpr int baseYear = 1900;
 #if QT_VERSION >= QT_VERSION_CHECK(6, 7, 0)
-    return locale.toDate(name, formatType, baseYear);
+    return locale.toDate(name, formatType, 1900);
 #else
-    // Older versions of Qt always read two-digit years with this base year.
-    Q_UNUSED(baseYear)
+    // Older versions of Qt always read two-digit years with this base year, 1900.
     return locale.toDate(name, formatType);
 #endif
 }
@@ -85,18 +82,14 @@ bool isDayName(const QLocale& locale, const QString& name, QLocale::FormatType f
 
 // Running out of memory shows only as an invalid match. As the patterns are valid, the only other
 // cause of that is a name that is not valid UTF-16.
-bool isFound(const QRegularExpressionMatch& match, const QString& name)
+template <typename Expression>
+bool isFound(const Expression& expression, const QString& name)
 {
+    const QRegularExpressionMatch match = expression.match(name, 0, QRegularExpression::NormalMatch,
+                                                           QRegularExpression::NoMatchOption);
     if (!match.isValid() && name.isValidUtf16())
         throw std::bad_alloc();
     return match.hasMatch();
-}
-
-bool isFound(const VLRegularExpression& expression, const QString& name)
-{
-    return isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
-                                    QRegularExpression::NoMatchOption),
-                   name);
 }
 
 // Throws if there was no memory to compile the pattern. A static that was to hold the expression
@@ -278,7 +271,7 @@ bool VLFolioEventClassifier::matchesDate(const QString& name) const
                 return true;
         }
     }
-    for (const Qt::DateFormat format : dateFormats) {
+    for (const Qt::DateFormat format : { Qt::TextDate, Qt::RFC2822Date }) {
         if (!look.cannotBeFixedFormatDate() && QDate::fromString(name, format).isValid())
             return true;
     }
@@ -306,8 +299,5 @@ bool VLFolioEventClassifier::matchesMonth(const QString& name) const
 bool VLFolioEventClassifier::matchesYear(const QString& name) const
 {
     static const QRegularExpression expression = compiled(uR"(2\d{3})"_s);
-    return !VLNameLook(name).cannotHoldYear()
-        && isFound(expression.match(name, 0, QRegularExpression::NormalMatch,
-                                    QRegularExpression::NoMatchOption),
-                   name);
+    return !VLNameLook(name).cannotHoldYear() && isFound(expression, name);
 }

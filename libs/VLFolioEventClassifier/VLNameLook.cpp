@@ -44,15 +44,9 @@ qsizetype runLength(const QString& text, qsizetype from)
     return to - from;
 }
 
-// Returns the field with which dates in \a format begin, if it is numeric and a separator ends it.
-unsigned firstNumber(const QString& format)
+bool isSeparator(char16_t unit)
 {
-    const qsizetype length = format.isEmpty() ? 0 : runLength(format, 0);
-    if (length == format.size())
-        return 0;
-    const char16_t next = format.at(length).unicode();
-    const bool isSeparated = next == u' ' || punctuationBit(next) != 0;
-    return isSeparated ? numberBit(format.front().unicode(), length) : 0U;
+    return unit == u' ' || punctuationBit(unit) != 0;
 }
 
 } // namespace
@@ -94,9 +88,6 @@ void VLNameLook::count(char32_t character)
 
 bool VLNameLook::cannotBeDateIn(const QString& format) const
 {
-    const unsigned first = firstNumber(format);
-    if (first != 0 && (m_beginsWithLetter || (first != Year && m_leadingDigits > 2)))
-        return true;
     unsigned numbers = 0;
     unsigned punctuation = 0;
     qsizetype blanks = 0;
@@ -107,8 +98,12 @@ bool VLNameLook::cannotBeDateIn(const QString& format) const
         length = runLength(format, i);
         if (unit == u'\'' && length % 2 != 0)
             isQuoted = !isQuoted;
-        if (!isQuoted)
-            numbers |= numberBit(unit, length);
+        const unsigned number = isQuoted ? 0U : numberBit(unit, length);
+        const bool isRuledOut = m_beginsWithLetter || (number != Year && m_leadingDigits > 2);
+        if (i == 0 && number != 0 && isRuledOut && length < format.size()
+            && isSeparator(format.at(length).unicode()))
+            return true;
+        numbers |= number;
         if (unit == u' ')
             blanks += length;
         punctuation |= punctuationBit(unit);
