@@ -8,6 +8,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QMap>
 #include <QtCore/QProcess>
 #include <QtCore/QProcessEnvironment>
 #include <QtTest/QTest>
@@ -131,6 +132,7 @@ private Q_SLOTS:
     void fileTypesThatAreNotTold();
     void folderThatMayBeReadButNotEntered_data();
     void folderThatMayBeReadButNotEntered();
+    void otherProblemsStayInFolderThatMayNotBeEntered();
 
 private:
     [[nodiscard]] QStringList goneFor(const QByteArray& call, int error) const
@@ -413,6 +415,35 @@ void tst_failing_calls::folderThatMayBeReadButNotEntered()
     QCOMPARE(platform.incomplete.constFirst().problem,
              RecordingPlatform::ListingProblem::Unsearchable);
     QCOMPARE(platform.incomplete.constFirst().systemError, EACCES);
+}
+
+// That it may not be entered is no reason for an error of the disk, nor for a name.
+void tst_failing_calls::otherProblemsStayInFolderThatMayNotBeEntered()
+{
+    RawDirectory directory;
+    directory.make({ "\xff/", "one -> .", "two -> ." });
+    QVERIFY2(directory.restrict({}, 0444).isValid(), directory.error());
+    const RecordingPlatform platform;
+    bool isActive = false;
+    arm("stat", 1, 1, EIO, directory.path());
+    {
+        const UnprivilegedUser user;
+        isActive = user.isActive();
+        QCOMPARE(platform.getDirectSubdirectoriesInDirectory(QDir(directory.path())),
+                 QStringList());
+    }
+    vlDisarmFailingCall();
+    if (!isActive)
+        QSKIP("The superuser cannot give up its rights here: run the test as another user");
+    using Problem = RecordingPlatform::ListingProblem;
+    QMap<Problem, int> errors;
+    for (const RecordingPlatform::Incomplete& one : std::as_const(platform.incomplete))
+        errors.insert(one.problem, one.systemError);
+    QCOMPARE(errors,
+             (QMap<Problem, int> { { Problem::Unsearchable, EACCES },
+                                   { Problem::UnknownEntry, EIO },
+                                   { Problem::UndecodableName, 0 } }));
+    QCOMPARE(platform.incomplete.size(), 3);
 }
 
 void tst_failing_calls::expressionThatCannotBeCompiledIsTriedAgain_data()
