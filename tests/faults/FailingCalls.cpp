@@ -254,7 +254,7 @@ long vlFailingCallCount()
         va_start(arguments, flags);                                                                \
         const mode_t mode = isModeGiven(flags) ? va_arg(arguments, mode_t) : 0;                    \
         va_end(arguments);                                                                         \
-        return failsAt("open", path) ? -1 : original<decltype(&name)>(#name)(path, flags, mode);   \
+        return failsAt("open", path) ? -1 : original<decltype(&(name))>(#name)(path, flags, mode); \
     }
 
 extern "C" {

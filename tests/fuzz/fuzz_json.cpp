@@ -43,7 +43,7 @@ using Problem = VLPlatformIndependent::ListingProblem;
 
 struct ProblemName
 {
-    Problem problem;
+    Problem problem = Problem::Unreadable;
     QLatin1StringView name;
 };
 
