@@ -60,7 +60,7 @@ void ProgramPlatform::expectFile(const QString& path)
     const QFileInfo file(path);
     m_expectedPath = file.absolutePath();
     m_expectedName = file.fileName();
-    // A file that exists is listed anyway.
+    // A file that exists is listed anyway, by whatever path, where its folder can be read.
     if (!file.isFile())
         m_expectedDirectory = FileIdentity(m_expectedPath);
 }

@@ -9,8 +9,8 @@
 
 /// Two-way table between the values of an enumeration and their names.
 ///
-/// VLEnumWrapper::fillTable() fills it once, and from then on it is only read. A name that is
-/// inserted again leads to its newest value, but a value keeps its oldest name.
+/// It is filled once, by VLEnumWrapper::fillTable(), and then only read. A name that is inserted
+/// again leads to its newest value, but a value keeps its oldest name.
 ///
 /// \code
 /// VLEnumToStringTable<Colour> table;

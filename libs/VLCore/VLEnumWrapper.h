@@ -127,7 +127,7 @@ private:
     E m_value {};
 };
 
-// Not inline, because a module would then compile it anew, with statics of its own.
+// An inline function would be compiled into every module, with statics of its own.
 template <typename E>
 VLEnumToStringTable<E>* VLEnumWrapper<E>::enumToStringTable() const
 {

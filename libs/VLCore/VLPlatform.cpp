@@ -17,23 +17,6 @@
 
 using ListingProblem = VLPlatformIndependent::ListingProblem;
 
-namespace {
-
-// If the directory cannot be searched, adds that problem in place of those of single entries that
-// have the same cause. Resolving "." in a directory takes the permission to search it.
-void addIfUnsearchable(VLPlatform::Listing& listing, int descriptor)
-{
-    struct stat status = {};
-    if (::fstatat(descriptor, ".", &status, 0) == 0 || errno != EACCES)
-        return;
-    listing.problems.removeIf([](const VLPlatform::Problem& problem) {
-        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
-    });
-    VLPlatform::addProblem(listing, ListingProblem::Unsearchable, EACCES);
-}
-
-} // namespace
-
 void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemError)
 {
     if (systemError == ENOMEM)
@@ -45,24 +28,32 @@ void VLPlatform::addProblem(Listing& listing, ListingProblem kind, int systemErr
         listing.problems.append({ kind, systemError });
 }
 
+void VLPlatform::addIfUnsearchable(Listing& listing, int descriptor)
+{
+    // Resolving "." in a directory takes the permission to search it.
+    struct stat status = {};
+    if (::fstatat(descriptor, ".", &status, 0) == 0 || (errno != EACCES && errno != ENOMEM))
+        return;
+    const int error = errno;
+    listing.problems.removeIf([](const Problem& problem) {
+        return problem.kind == ListingProblem::UnknownEntry && problem.systemError == EACCES;
+    });
+    addProblem(listing, ListingProblem::Unsearchable, error);
+}
+
 VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 {
-    Listing listing;
     const int descriptor =
         ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
-        // A symlink to a pipe is listed like a directory, and has nothing in it.
-        if (errno != ENOTDIR)
+        Listing listing;
+        // A symlink to a pipe, or to a socket (EOPNOTSUPP on macOS), is listed like a directory.
+        if (errno != ENOTDIR && errno != EOPNOTSUPP)
             addProblem(listing, ListingProblem::Unreadable, errno);
         return listing;
     }
     const auto closed = qScopeGuard([descriptor] { ::close(descriptor); });
-    listing = readEntries(descriptor, path, wanted);
-    // Without a problem, the list of files is complete even if the directory cannot be searched.
-    const bool isComplete = wanted == Wanted::Files || listing.names.isEmpty();
-    if (!isComplete || !listing.problems.isEmpty())
-        addIfUnsearchable(listing, descriptor);
-    return listing;
+    return readEntries(descriptor, path, wanted);
 }
 
 VLPlatform::Listing VLPlatform::listingByQt(const QString& path, Wanted wanted)

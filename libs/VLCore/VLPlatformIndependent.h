@@ -24,7 +24,7 @@
 class VLCORE_EXPORT VLPlatformIndependent
 {
 public:
-    /// Makes a service with the built-in behaviour. It is not used until setInstance() is called.
+    /// Makes a service with the built-in behaviour, which setInstance() puts in use.
     VLPlatformIndependent();
     virtual ~VLPlatformIndependent();
     Q_DISABLE_COPY_MOVE(VLPlatformIndependent)
@@ -33,10 +33,9 @@ public:
     /// service, which lives until the process ends. May be called from any thread.
     [[nodiscard]] static VLPlatformIndependent* instance();
 
-    /// Replaces the service in use by \a service, or by the built-in one if that is nullptr. The
-    /// caller keeps the ownership, and has to keep the service alive until it has been replaced and
-    /// no thread uses it any more. May be called while other threads call instance(), which returns
-    /// the old service or the new one.
+    /// Replaces the service in use by \a service, which remains the caller's and has to live until
+    /// it is replaced and no thread uses it any more, or by the built-in one if that is nullptr. A
+    /// call of instance() on another thread meanwhile returns the old service or the new one.
     static void setInstance(VLPlatformIndependent* service);
 
     /// Opens a file in an application that runs detached from this process, without its standard
@@ -102,8 +101,8 @@ protected:
     virtual void listingIncomplete(const QDir& directory, ListingProblem problem,
                                    int systemError) const;
 
-    /// Called by the built-in getDirectSubdirectoriesInDirectory() for each \a name that it returns
-    /// and that is the name of a symlink. A host that treats symlinks in another way, for instance
-    /// to end at cycles, need not ask the file system for them. The built-in service does nothing.
+    /// Called by the built-in getDirectSubdirectoriesInDirectory(), on its thread and before it
+    /// returns, for each \a name that is the name of a symlink. A host that looks for cycles, for
+    /// instance, need not ask the file system for symlinks. The built-in service does nothing.
     virtual void symlinkListed(const QDir& directory, const QString& name) const;
 };

@@ -46,9 +46,8 @@ QString decoded(QByteArrayView name)
     // Most names are ASCII, for which the decoder is not needed.
     if (isAscii(name))
         return QString::fromLatin1(name);
-    QStringDecoder decode(QStringDecoder::Utf8,
-                          QStringDecoder::Flag::Stateless
-                              | QStringDecoder::Flag::ConvertInitialBom);
+    using Flag = QStringDecoder::Flag;
+    QStringDecoder decode(QStringDecoder::Utf8, Flag::Stateless | Flag::ConvertInitialBom);
     return decode(name);
 }
 
@@ -72,6 +71,12 @@ struct Reader
             addEntries(buffer.data(), used);
         if (used < 0)
             VLPlatform::addProblem(listing, ListingProblem::Unreadable, errno);
+        // Nothing is lost if all file types came with the names and there is no folder to be
+        // entered.
+        const bool hasFolders =
+            wanted == VLPlatform::Wanted::Directories && !listing.names.isEmpty();
+        if (hasFolders || !listing.problems.isEmpty())
+            VLPlatform::addIfUnsearchable(listing, descriptor);
         return std::move(listing);
     }
 

@@ -15,9 +15,11 @@ QStringList VLPlatform::openCommand(const QString& path, const QStringList& argu
 }
 
 // On macOS an entry is hidden by its name or by a flag of the file system, which Qt knows how to
-// read.
+// read. The descriptor serves for what Qt does not report, namely why it lists too little.
 VLPlatform::Listing VLPlatform::readEntries(int descriptor, const QString& path, Wanted wanted)
 {
-    Q_UNUSED(descriptor)
-    return listingByQt(path, wanted);
+    Listing listing = listingByQt(path, wanted);
+    if (!listing.names.isEmpty())
+        addIfUnsearchable(listing, descriptor);
+    return listing;
 }

@@ -37,7 +37,7 @@ enum class Wanted {
 struct Listing
 {
     QStringList names;
-    /// The names that are those of symlinks; empty if files were wanted.
+    /// Those of the names that belong to symlinks; empty if files were wanted.
     QStringList symlinks;
     /// Each pair of a problem and an error number is in the list once.
     QList<Problem> problems;
@@ -47,6 +47,10 @@ struct Listing
 /// \a systemError is ENOMEM.
 void addProblem(Listing& listing, VLPlatformIndependent::ListingProblem kind, int systemError);
 
+/// If the directory that is open as \a descriptor cannot be searched, adds that problem in place of
+/// those of single entries that have the same cause.
+void addIfUnsearchable(Listing& listing, int descriptor);
+
 /// Lists the directory at \a path, which must be a native path. The listing is empty if there is
 /// something else at the path. Throws std::bad_alloc if the system is out of memory.
 [[nodiscard]] Listing listing(const QString& path, Wanted wanted);
@@ -55,7 +59,7 @@ void addProblem(Listing& listing, VLPlatformIndependent::ListingProblem kind, in
 /// hidden on each platform, but does not report errors.
 [[nodiscard]] Listing listingByQt(const QString& path, Wanted wanted);
 
-/// Lists the directory at \a path, which is open as \a descriptor.
+/// Lists the directory at \a path, which the caller has opened as \a descriptor and closes.
 [[nodiscard]] Listing readEntries(int descriptor, const QString& path, Wanted wanted);
 
 } // namespace VLPlatform

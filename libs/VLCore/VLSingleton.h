@@ -31,7 +31,7 @@ public:
     [[nodiscard]] static T* instance();
 };
 
-// Not inline, because a module would then compile it anew, with statics of its own.
+// An inline function would be compiled into every module, with statics of its own.
 template <typename T>
 T* VLSingleton<T>::instance()
 {

@@ -61,7 +61,7 @@ VLClassificationResultsRendererHTML::VLClassificationResultsRendererHTML(
 {
     // A shared copy would be detached by sorting, which crashes if there is no memory for it.
     results.append(classificationResults);
-    // A walk often ends with its results in this order.
+    // The results of a walk are often in this order already.
     if (!std::is_sorted(results.cbegin(), results.cend(), isSmaller))
         std::sort(results.begin(), results.end(), isSmaller);
 }
@@ -79,14 +79,13 @@ bool VLClassificationResultsRendererHTML::isSmaller(const VLEventFolderClassific
 // messages.
 void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFile)
 {
-    const QMessageLogContext context(QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC,
-                                     "default");
     const QString path = reportFile.absoluteFilePath();
     QFile file(path);
     // Unlike the static function, the member also returns true for a dangling symlink.
     if (file.exists()) {
         const bool removed = file.remove();
-        log(QtDebugMsg, context, "removing file", path, "succeeded: ", removed);
+        log(QtDebugMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
+            "removing file", path, "succeeded: ", removed);
     }
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         QTextStream stream(&file);
@@ -102,8 +101,9 @@ void VLClassificationResultsRendererHTML::renderToFile(const QFileInfo& reportFi
         stream.flush();
         file.close();
     } else {
-        log(QtWarningMsg, context, "Could not write to file", reportFile,
-            static_cast<int>(file.error()), file.errorString());
+        log(QtWarningMsg, { QT_MESSAGELOG_FILE, QT_MESSAGELOG_LINE, QT_MESSAGELOG_FUNC, "default" },
+            "Could not write to file", reportFile, static_cast<int>(file.error()),
+            file.errorString());
     }
     VLPlatformIndependent::instance()->directoryContentsChanged(reportFile.dir());
 }

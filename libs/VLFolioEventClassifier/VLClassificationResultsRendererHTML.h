@@ -20,7 +20,7 @@
 /// without HTML escapes. The write functions can also be called one by one.
 ///
 /// Threads: an object belongs to one thread at a time. Several threads may each have an object with
-/// copies of the same results if these are of a walk, or if their directories are absolute paths.
+/// copies of the same results, provided that a walk made them or that their paths are absolute.
 class VLFOLIOEVENTCLASSIFIER_EXPORT VLClassificationResultsRendererHTML
 {
 public:

@@ -19,7 +19,7 @@ bool VLEventFolderClassificationResult::operator==(
 QString VLEventFolderClassificationResult::render(int prefixLength) const
 {
     const QString path = VLOwnFileInfo::absolutePath(m_directory).mid(prefixLength);
-    // Two calls, as documented: the second one replaces a placeholder in the path before the "%2".
+    // There are two calls, of which the second replaces a placeholder in the path, as documented.
     const QString line = u"%2 <= %1"_s.arg(path);
     return line.arg(m_classification.name(), 7);
 }

@@ -65,9 +65,10 @@ public:
     /// only where the system refuses the path. The walk is as deep a recursion as the tree.
     ///
     /// \param directory where the walk starts; only the classifier's own root is of the type Root.
-    /// \param parentResult the result of its parent; for the root, a default-constructed one.
+    /// \param parentResult the result of the parent of \a directory; a default-constructed one for
+    ///     the root.
     /// \return one result, without occasions, for each directory that the walk came to before
-    ///     QCoreApplication::closingDown() was true.
+    ///     QCoreApplication::closingDown() was true; none if it is true already.
     [[nodiscard]] QList<VLEventFolderClassificationResult>
     eventFolderTypes(const QFileInfo& directory,
                      const VLEventFolderClassificationResult& parentResult);
@@ -83,9 +84,8 @@ public:
     [[nodiscard]] VLEventFolderClassificationResult
     eventFolderType(const QFileInfo& directory) const;
 
-    /// Classifies a folder name: ProjectFolder, Day, Month or Year, by the first of
-    /// matchesProject(), matchesDate(), matchesMonth() and matchesYear() that holds, or Unknown if
-    /// none does, as for the empty name.
+    /// Classifies a folder name: ProjectFolder, Day, Month or Year, by the first that holds of
+    /// matchesProject(), matchesDate(), matchesMonth() and matchesYear(), or else Unknown.
     [[nodiscard]] VLEventFolderType eventFolderType(const QString& name) const;
 
     /// Returns true if \a name ends with "_vlp-Dateien"; the case matters.

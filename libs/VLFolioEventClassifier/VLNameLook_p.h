@@ -22,8 +22,8 @@ public:
     }
 
     /// A date has at least one digit for each numeric field of \a format, and all of its
-    /// punctuation and blanks. If the format begins with a number, the date does not begin with a
-    /// letter, nor with three digits if the number is a day or a month.
+    /// punctuation and blanks. If the format begins with a number and a separator, the date does
+    /// not begin with a letter, nor with three digits if the number is a day or a month.
     [[nodiscard]] bool cannotBeDateIn(const QString& format) const;
 
     /// In the formats Qt::TextDate and Qt::RFC2822Date, a date has at least three words, among them

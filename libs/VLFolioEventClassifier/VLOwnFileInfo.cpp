@@ -6,7 +6,7 @@
 
 namespace {
 
-// Returns false for the path of a hidden file, too, which then only takes longer.
+// Returns false for the path of a hidden file, too, for which absolutePath() only takes longer.
 bool isCleanAbsolutePath(const QString& path)
 {
     const auto needsCleaning = [](QChar first, QChar second) {

@@ -2,7 +2,7 @@
 
 #include <QtCore/QFileInfo>
 
-// The namespace keeps the name of the function apart from those of a program that is linked with
+// The namespace keeps the names of the functions apart from those of a program that is linked with
 // the static library.
 namespace VLOwnFileInfo {
 
@@ -16,7 +16,7 @@ namespace VLOwnFileInfo {
 [[nodiscard]] QFileInfo detached(const QFileInfo& info);
 
 /// Returns what QFileInfo::absoluteFilePath() returns. If \a info is absolute, nothing is cached in
-/// its data, so that other threads may use copies of it, and it takes no more memory than before.
+/// its data: other threads may use copies of it, and it takes no more memory afterwards.
 [[nodiscard]] QString absolutePath(const QFileInfo& info);
 
 } // namespace VLOwnFileInfo

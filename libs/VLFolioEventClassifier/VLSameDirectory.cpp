@@ -8,8 +8,6 @@
 
 #include <sys/stat.h>
 
-using namespace Qt::StringLiterals;
-
 namespace {
 
 QStringView lastComponent(const QString& path)
@@ -27,13 +25,14 @@ bool neverSameName(QStringView first, QStringView second)
         && first.compare(second, Qt::CaseInsensitive) != 0;
 }
 
-// Returns true if the canonical path of the directory certainly ends with \a name, its own name:
-// not for a removed file, because a QFileInfo may have cached where a removed symlink led.
-// QFileInfo::isSymLink() is not used, because it would cache its answer in every result.
+// Returns true if the canonical path of the directory certainly ends with \a name, its own name.
+// Returns false for a removed file, because a QFileInfo may have cached where a removed symlink
+// led. QFileInfo::isSymLink() is not used, because it would cache its answer, and the path once
+// more.
 bool keepsItsName(const QString& path, QStringView name)
 {
     struct stat status = {};
-    return !name.isEmpty() && name != "."_L1 && name != ".."_L1
+    return !name.isEmpty() && name != u"." && name != u".."
         && ::lstat(QFile::encodeName(path).constData(), &status) == 0 && !S_ISLNK(status.st_mode);
 }
 
