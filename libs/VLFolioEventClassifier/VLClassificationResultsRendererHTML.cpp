@@ -10,7 +10,6 @@
 #include <QtCore/QFile>
 #include <QtCore/QLoggingCategory>
 #include <QtCore/QScopeGuard>
-#include <QtCore/QStringBuilder>
 
 #include <algorithm>
 #include <utility>
@@ -135,15 +134,16 @@ void VLClassificationResultsRendererHTML::writeTableEntry(
 
     const QString name = result.classification().name();
     const bool isRoot = result.classification() == VLEventFolderTypeEnum::Root;
-    const QString shown = isRoot ? path : path.mid(rootPathLength);
-    const QString count = QString::number(files.size());
+    const auto writeCell = [&stream](const QString& text) {
+        stream << "\t\t\t\t<td>"_L1 << text << "</td>\n"_L1;
+    };
+    stream << "\t\t\t<tr class="_L1 << name << ">\n"_L1;
+    writeCell(name);
+    writeCell(isRoot ? path : path.mid(rootPathLength));
+    writeCell(QString::number(files.size()));
     // The list's own text for an empty list is spelled differently, "no Data".
-    const QString occasion = occasions.isEmpty() ? u"no data"_s : occasions.description();
-    constexpr QLatin1StringView cell("\t\t\t\t<td>");
-    constexpr QLatin1StringView cellEnd("</td>\n");
-    stream << QString("\t\t\t<tr class="_L1 % name % ">\n"_L1 % cell % name % cellEnd % cell % shown
-                      % cellEnd % cell % count % cellEnd % cell % occasion % cellEnd
-                      % "\t\t\t</tr>\n"_L1);
+    writeCell(occasions.isEmpty() ? u"no data"_s : occasions.description());
+    stream << "\t\t\t</tr>\n"_L1;
 }
 
 void VLClassificationResultsRendererHTML::writeTableEnd(QTextStream& stream) const

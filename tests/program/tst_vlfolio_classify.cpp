@@ -290,7 +290,7 @@ void tst_vlfolio_classify::allocationsFail()
     }
     qInfo("%d of %d failing allocations ended the process", deaths, runs);
     QVERIFY(runs > 0);
-    QVERIFY(deaths * 50 < runs);
+    QVERIFY(deaths * 25 < runs);
 }
 
 QTEST_GUILESS_MAIN(tst_vlfolio_classify)
