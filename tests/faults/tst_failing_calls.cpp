@@ -436,10 +436,10 @@ void tst_failing_calls::otherProblemsStayInFolderThatMayNotBeEntered()
     if (!isActive)
         QSKIP("The superuser cannot give up its rights here: run the test as another user");
     using Problem = RecordingPlatform::ListingProblem;
-    QMap<Problem, int> errors;
+    QMap<Problem, int> errorOf;
     for (const RecordingPlatform::Incomplete& one : std::as_const(platform.incomplete))
-        errors.insert(one.problem, one.systemError);
-    QCOMPARE(errors,
+        errorOf.insert(one.problem, one.systemError);
+    QCOMPARE(errorOf,
              (QMap<Problem, int> { { Problem::Unsearchable, EACCES },
                                    { Problem::UnknownEntry, EIO },
                                    { Problem::UndecodableName, 0 } }));
