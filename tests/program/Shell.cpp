@@ -51,7 +51,8 @@ public:
     {
         QByteArray all;
         char character = 0;
-        while (read(near, &character, 1) == 1 && character != mark)
+        // From Qt 6.8 on, the shell's end interrupts the call while the opener still runs.
+        while (TEMP_FAILURE_RETRY(read(near, &character, 1)) == 1 && character != mark)
             all.append(character);
         return all;
     }
