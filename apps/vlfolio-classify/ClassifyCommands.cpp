@@ -51,16 +51,14 @@ qsizetype filesIn(const VLEventFolderClassificationResult& result, const Program
     return platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath())).size();
 }
 
-// Only --json shows how many files there are. The other commands do not count them, so that they
-// read each folder only once.
+// Only --json shows how many files there are.
 QList<Folder> classified(const CommandLine& commandLine, const QString& rootPath,
                          const ProgramPlatform& platform)
 {
-    Progress progress(platform);
+    const Progress progress(platform);
     const QFileInfo root(rootPath);
     VLFolioEventClassifier classifier(root);
     const auto results = classifier.eventFolderTypes(root, VLEventFolderClassificationResult());
-    progress.lookAgain("Counting files:", static_cast<int>(results.size()));
     const bool counts = commandLine.action == CommandLine::Action::Json;
     QList<Folder> folders;
     folders.reserve(results.size());
@@ -122,7 +120,9 @@ int exitCode()
 
 int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString& rootPath)
 {
-    const ProgramPlatform platform(commandLine.excluded);
+    ProgramPlatform platform(commandLine.excluded);
+    if (commandLine.action == CommandLine::Action::Json)
+        platform.keepFileCounts();
     const QList<Folder> folders = classified(commandLine, rootPath, platform);
     platform.tellLeftOut();
     if (commandLine.action == CommandLine::Action::Summary) {

@@ -34,11 +34,10 @@ QString incompleteReasonsOf(const QString& path, const ProgramPlatform& platform
 
 QList<PageFolder> classified(const QString& rootPath, const ProgramPlatform& platform)
 {
-    Progress progress(platform);
+    const Progress progress(platform);
     const QFileInfo root(rootPath);
     const auto results =
         VLFolioEventClassifier(root).eventFolderTypes(root, VLEventFolderClassificationResult());
-    progress.lookAgain("Counting files:", static_cast<int>(results.size()));
     FolderReasons reasons(root);
     QList<PageFolder> folders;
     folders.reserve(results.size());
@@ -73,6 +72,7 @@ int PageCommand::run(const CommandLine& commandLine, const QString& rootPath)
     ProgramPlatform platform(commandLine.excluded);
     QString error = WholeFile::obstacle(pagePath, true);
     if (error.isEmpty()) {
+        platform.keepFileCounts();
         platform.expectFile(pagePath);
         const QList<PageFolder> folders = classified(rootPath, platform);
         platform.tellLeftOut();

@@ -55,6 +55,11 @@ void ProgramPlatform::allowOpening()
     m_opens = true;
 }
 
+void ProgramPlatform::keepFileCounts()
+{
+    m_keepsFileCounts = true;
+}
+
 void ProgramPlatform::expectFile(const QString& path)
 {
     const QFileInfo file(path);
@@ -116,8 +121,14 @@ bool ProgramPlatform::openFile(const QString& path, const QStringList& arguments
 QStringList ProgramPlatform::getDirectFilesInDirectory(const QDir& directory) const
 {
     m_countedFolders.fetch_add(1, std::memory_order_relaxed);
-    QStringList files = VLPlatformIndependent::getDirectFilesInDirectory(directory);
-    if (isExpectedIn(directory.path()) && !files.contains(m_expectedName))
+    const QString path = directory.path();
+    QStringList files;
+    if (const auto kept = m_fileCounts.find(path); kept != m_fileCounts.cend()) {
+        files.resize(kept->second);
+        return files;
+    }
+    files = VLPlatformIndependent::getDirectFilesInDirectory(directory);
+    if (isExpectedIn(path) && !files.contains(m_expectedName))
         files.append(m_expectedName);
     return files;
 }
@@ -156,10 +167,15 @@ void ProgramPlatform::listingIncomplete(const QDir& directory, ListingProblem pr
         listings.append(listing);
 }
 
-void ProgramPlatform::symlinkListed(const QDir& directory, const QString& name) const
+void ProgramPlatform::directoryListed(const QDir& directory, const QStringList& symlinks,
+                                      qsizetype fileCount) const
 {
     const QString path = directory.path();
-    m_symlinks.insert(path.endsWith(u'/') ? path + name : path + u'/' + name);
+    for (const QString& name : symlinks)
+        m_symlinks.insert(path.endsWith(u'/') ? path + name : path + u'/' + name);
+    // An incomplete listing is tried again, and the expected file is looked for by name.
+    if (m_keepsFileCounts && fileCount >= 0 && !isExpectedIn(path))
+        m_fileCounts.emplace(path, fileCount);
 }
 
 // All patterns are tried even if one has matched already, because the user is told about each that

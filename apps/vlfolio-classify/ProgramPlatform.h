@@ -15,6 +15,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <unordered_map>
 #include <vector>
 
 /// The platform service of the program, which is in use for as long as the object lives. As the
@@ -30,6 +31,9 @@ public:
 
     /// Allows openFile() to open files. Unless this is called, it does nothing.
     void allowOpening();
+    /// Makes the walk keep how many files each folder holds, so that getDirectFilesInDirectory()
+    /// need not list the folder again. Has to be called ahead of the walk.
+    void keepFileCounts();
     /// Makes getDirectFilesInDirectory() list the file at \a path even before it exists, in each
     /// folder of the walk that is the directory of the file, by whatever path.
     void expectFile(const QString& path);
@@ -48,6 +52,8 @@ public:
     /// Opens the file if allowOpening() was called, and otherwise does nothing and returns true.
     bool openFile(const QString& path, const QStringList& arguments,
                   const QString& application) override;
+    /// Returns as many empty strings as the folder has files if that number was kept, because only
+    /// the number is used.
     [[nodiscard]] QStringList getDirectFilesInDirectory(const QDir& directory) const override;
     /// Leaves out excluded folders, and everything below a symlink that leads back to a folder
     /// above it.
@@ -57,7 +63,8 @@ public:
 protected:
     void listingIncomplete(const QDir& directory, ListingProblem problem,
                            int systemError) const override;
-    void symlinkListed(const QDir& directory, const QString& name) const override;
+    void directoryListed(const QDir& directory, const QStringList& symlinks,
+                         qsizetype fileCount) const override;
 
 private:
     struct Exclusion
@@ -76,6 +83,7 @@ private:
     [[nodiscard]] bool isExcluded(const QString& name) const;
 
     bool m_opens = false;
+    bool m_keepsFileCounts = false;
     QString m_expectedPath;
     std::optional<FileIdentity> m_expectedDirectory;
     QString m_expectedName;
@@ -85,7 +93,8 @@ private:
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
     mutable QList<Cycle> m_cycles;
-    // A QMap or a QSet would end the program when memory runs out.
+    // The containers of Qt would end the program when memory runs out.
+    mutable std::unordered_map<QString, qsizetype> m_fileCounts;
     mutable std::set<QString> m_symlinks;
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;
 };

@@ -51,10 +51,9 @@ Progress::~Progress()
     m_thread.join();
 }
 
-void Progress::lookAgain(const char* step, int total)
+void Progress::startReport(int total)
 {
     m_total = total;
-    m_step = step;
 }
 
 // This function must not allocate memory, because nothing would catch an exception on this thread.
@@ -63,11 +62,11 @@ void Progress::show() const
     Line full {};
     Line brief {};
     int length = 0;
-    if (const char* const step = m_step) {
+    if (const int total = m_total; total > 0) {
         const int done = m_platform.countedFolders();
-        length = std::snprintf(full.data(), full.size(), "%s folder %d of %d", step, done,
-                               m_total.load());
-        std::snprintf(brief.data(), brief.size(), "%d of %d", done, m_total.load());
+        length = std::snprintf(full.data(), full.size(), "Writing the report: folder %d of %d",
+                               done, total);
+        std::snprintf(brief.data(), brief.size(), "%d of %d", done, total);
     } else {
         const int done = m_platform.walkedFolders();
         length = std::snprintf(full.data(), full.size(), "Walking the folders: %d read", done);

@@ -13,24 +13,22 @@ class ProgramPlatform;
 class Progress
 {
 public:
-    /// \param platform counts the folders that the walk reads, and those whose files are counted.
+    /// \param platform counts the folders that the walk reads, and those that the report asks for.
     explicit Progress(const ProgramPlatform& platform);
     /// Ends the thread and clears the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Has to be called after the walk, before the files in \a total folders are counted. From then
-    /// on the line begins with \a step, which is not copied.
-    void lookAgain(const char* step, int total);
+    /// Has to be called after the walk, before a report with rows for \a total folders is written.
+    void startReport(int total);
 
 private:
     void run();
     void show() const;
 
     const ProgramPlatform& m_platform;
-    // The start of the line, or null during the walk.
-    std::atomic<const char*> m_step = nullptr;
+    // The number of folders in the report, or 0 during the walk.
     std::atomic<int> m_total = 0;
     std::mutex m_mutex;
     std::condition_variable m_wake;

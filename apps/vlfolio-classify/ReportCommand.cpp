@@ -124,6 +124,7 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
     }
 
     ProgramPlatform platform(commandLine.excluded);
+    platform.keepFileCounts();
     platform.expectFile(reportPath);
     VLSingleton<VLLogger>::instance()->logFolioService(u"startClassifyEvent"_s);
     Results results;
@@ -131,7 +132,7 @@ int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
     {
         Progress progress(platform);
         results = walked(rootPath);
-        progress.lookAgain("Writing the report:", static_cast<int>(results.size()));
+        progress.startReport(static_cast<int>(results.size()));
         error = replaceReport(results, static_cast<int>(rootPath.size()), reportPath);
     }
     platform.tellLeftOut();

@@ -58,14 +58,20 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 
 VLPlatform::Listing VLPlatform::listingByQt(const QString& path, Wanted wanted)
 {
-    const QDir::Filters filters =
-        wanted == Wanted::Files ? QDir::Filters(QDir::Files) : QDir::Dirs | QDir::NoDotAndDotDot;
+    const bool wantsFiles = wanted == Wanted::Files;
+    const QDir::Filters directories = QDir::Dirs | QDir::NoDotAndDotDot;
     Listing listing;
-    for (QDirIterator entries(path, filters); entries.hasNext();) {
+    QDirIterator entries(path, wantsFiles ? QDir::Files : QDir::Files | directories);
+    while (entries.hasNext()) {
         entries.next();
-        listing.names.append(entries.fileName());
-        if (wanted == Wanted::Directories && entries.fileInfo().isSymbolicLink())
+        const QFileInfo info = entries.fileInfo();
+        // With QDir::Files Qt leaves out what is a directory, without it what is a regular file.
+        if (wantsFiles || !info.isFile())
+            listing.names.append(entries.fileName());
+        if (!wantsFiles && !info.isFile() && info.isSymbolicLink())
             listing.symlinks.append(entries.fileName());
+        if (!wantsFiles && !info.isDir())
+            ++listing.fileCount;
     }
     return listing;
 }

@@ -78,8 +78,8 @@ QStringList VLPlatformIndependent::getDirectSubdirectoriesInDirectory(const QDir
     const VLPlatform::Listing listing = listingOf(directory, VLPlatform::Wanted::Directories);
     for (const VLPlatform::Problem& problem : listing.problems)
         listingIncomplete(directory, problem.kind, problem.systemError);
-    for (const QString& name : listing.symlinks)
-        symlinkListed(directory, name);
+    directoryListed(directory, listing.symlinks,
+                    listing.problems.isEmpty() ? listing.fileCount : -1);
     return listing.names;
 }
 
@@ -87,4 +87,4 @@ void VLPlatformIndependent::directoryContentsChanged(const QDir&) { }
 
 void VLPlatformIndependent::listingIncomplete(const QDir&, ListingProblem, int) const { }
 
-void VLPlatformIndependent::symlinkListed(const QDir&, const QString&) const { }
+void VLPlatformIndependent::directoryListed(const QDir&, const QStringList&, qsizetype) const { }

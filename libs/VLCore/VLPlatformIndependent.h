@@ -102,7 +102,11 @@ protected:
                                    int systemError) const;
 
     /// Called by the built-in getDirectSubdirectoriesInDirectory(), on its thread and before it
-    /// returns, for each \a name that is the name of a symlink. A host that looks for cycles, for
-    /// instance, need not ask the file system for symlinks. The built-in service does nothing.
-    virtual void symlinkListed(const QDir& directory, const QString& name) const;
+    /// returns, with what it has seen besides. \a symlinks are those of its names that belong to
+    /// symlinks. \a fileCount is how many names getDirectFilesInDirectory() would return, or -1 if
+    /// the listing is incomplete. A host that looks for cycles, for instance, need not ask the file
+    /// system for symlinks, and one that keeps the number need not list the directory once more to
+    /// count its files. The built-in service does nothing.
+    virtual void directoryListed(const QDir& directory, const QStringList& symlinks,
+                                 qsizetype fileCount) const;
 };

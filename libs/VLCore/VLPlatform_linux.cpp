@@ -115,6 +115,8 @@ struct Reader
             VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, found.error);
         else if (wanted == VLPlatform::Wanted::Files ? isFile : isFolder)
             addName(name, isSymlink);
+        else if (isFile)
+            ++listing.fileCount;
     }
 
     void addName(QByteArrayView bytes, bool isSymlink)

@@ -19,7 +19,7 @@ QStringList VLPlatform::openCommand(const QString& path, const QStringList& argu
 VLPlatform::Listing VLPlatform::readEntries(int descriptor, const QString& path, Wanted wanted)
 {
     Listing listing = listingByQt(path, wanted);
-    if (!listing.names.isEmpty())
+    if (!listing.names.isEmpty() || listing.fileCount > 0)
         addIfUnsearchable(listing, descriptor);
     return listing;
 }

@@ -39,6 +39,8 @@ struct Listing
     QStringList names;
     /// Those of the names that belong to symlinks; empty if files were wanted.
     QStringList symlinks;
+    /// How many names there would be if files were wanted; 0 if they were.
+    qsizetype fileCount = 0;
     /// Each pair of a problem and an error number is in the list once.
     QList<Problem> problems;
 };

@@ -118,7 +118,7 @@ private Q_SLOTS:
     void filtersOfTheDirectoryAreIgnored();
     void filesOfAFileEngineAreListed();
     void incompleteListingsAreTold();
-    void symlinksAreTold();
+    void symlinksAndNumberOfFilesAreTold();
     void workingDirectoryThatNoPathLeadsTo();
 
     void applicationGetsTheFile_data();
@@ -260,15 +260,19 @@ void tst_VLPlatformIndependent::incompleteListingsAreTold()
     }
 }
 
-void tst_VLPlatformIndependent::symlinksAreTold()
+void tst_VLPlatformIndependent::symlinksAndNumberOfFilesAreTold()
 {
     m_tree->make({ "folder/", "file", "link -> folder", "linkToFile -> file" });
     QVERIFY2(m_tree->isValid(), m_tree->error());
     const RecordingPlatform ofHost;
     QCOMPARE(filesIn(path()).size(), 2);
     QCOMPARE(ofHost.symlinks, QStringList());
+    QCOMPARE(ofHost.listedFiles, QList<qsizetype>());
     QCOMPARE(foldersIn(path()).size(), 2);
     QCOMPARE(ofHost.symlinks, QStringList { path("link") });
+    QCOMPARE(foldersIn(path("missing")), QStringList());
+    QCOMPARE(foldersIn(QDir(u":/vl-test/listed"_s)), QStringList { u"below"_s });
+    QCOMPARE(ofHost.listedFiles, (QList<qsizetype> { 2, -1, 2 }));
 }
 
 void tst_VLPlatformIndependent::workingDirectoryThatNoPathLeadsTo()

@@ -177,8 +177,8 @@ LastToGo lastToGo; // clazy:exclude=non-pod-global-static
 class OpenPlatform : public VLPlatformIndependent
 {
 public:
+    using VLPlatformIndependent::directoryListed;
     using VLPlatformIndependent::listingIncomplete;
-    using VLPlatformIndependent::symlinkListed;
 };
 
 /// Where a virtual operation stands in the table of virtual operations, counted from 0. So both
@@ -310,7 +310,7 @@ void tst_core::virtualOperationsKeepTheirOrder()
         slotOf(&Platform::getDirectSubdirectoriesInDirectory),
         slotOf(&Platform::directoryContentsChanged),
         slotOf(&OpenPlatform::listingIncomplete),
-        slotOf(&OpenPlatform::symlinkListed),
+        slotOf(&OpenPlatform::directoryListed),
     };
     for (const QList<int>& operations : { ofType, ofPlatform, { slotOf(&VLLogger::initialize) } }) {
         for (qsizetype i = 0; i < operations.size(); ++i)

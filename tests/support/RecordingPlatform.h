@@ -83,6 +83,8 @@ public:
     mutable QList<Incomplete> incomplete;
     /// The paths of the symlinks that were listed.
     mutable QStringList symlinks;
+    /// How many files each listing of subdirectories has seen.
+    mutable QList<qsizetype> listedFiles;
 
 protected:
     void listingIncomplete(const QDir& directory, ListingProblem problem,
@@ -91,9 +93,12 @@ protected:
         incomplete.append({ directory.path(), problem, systemError });
     }
 
-    void symlinkListed(const QDir& directory, const QString& name) const override
+    void directoryListed(const QDir& directory, const QStringList& names,
+                         qsizetype files) const override
     {
-        symlinks.append(directory.path() + QLatin1Char('/') + name);
+        for (const QString& name : names)
+            symlinks.append(directory.path() + QLatin1Char('/') + name);
+        listedFiles.append(files);
     }
 
 private:
