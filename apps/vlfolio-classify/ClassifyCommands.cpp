@@ -48,7 +48,7 @@ bool isWanted(const VLEventFolderType& type, const QList<VLEventFolderType>& typ
 
 qsizetype filesIn(const VLEventFolderClassificationResult& result, const ProgramPlatform& platform)
 {
-    return platform.getDirectFilesInDirectory(QDir(result.directory().absoluteFilePath())).size();
+    return platform.getDirectFilesInDirectory(QDir(result.directory().filePath())).size();
 }
 
 // Only --json shows how many files there are.
@@ -136,7 +136,7 @@ int ClassifyCommands::printFolders(const CommandLine& commandLine, const QString
         reasons.enter(folder.result);
         if (!isWanted(folder.result.classification(), commandLine.types))
             continue;
-        const QString path = folder.result.directory().absoluteFilePath();
+        const QString path = folder.result.directory().filePath();
         Terminal::writeLine(commandLine.action == CommandLine::Action::Json
                                 ? jsonLine({ folder.result, folder.fileCount, reasons.reason(),
                                              platform.incompleteListings(path) },

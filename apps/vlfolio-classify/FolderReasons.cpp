@@ -66,7 +66,7 @@ QString reasonText(const VLEventFolderType& ownType, const VLEventFolderType& ty
 
 bool isAt(const QString& path, const VLEventFolderClassificationResult& result)
 {
-    return result.directory().absoluteFilePath() == path;
+    return result.directory().filePath() == path;
 }
 
 } // namespace
@@ -78,7 +78,7 @@ FolderReasons::FolderReasons(const QFileInfo& root)
 
 void FolderReasons::enter(const VLEventFolderClassificationResult& result)
 {
-    const QString pathAbove = result.directory().absolutePath();
+    const QString pathAbove = result.directory().path();
     while (!m_path.isEmpty() && !isAt(pathAbove, m_path.constLast()))
         m_path.removeLast();
     m_path.append(result);

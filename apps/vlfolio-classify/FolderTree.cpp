@@ -118,7 +118,7 @@ private:
             return m_rootName;
         const PageFolder& folder = m_folders.at(position);
         const qsizetype unseen = folder.reason.depth - depthAt(position);
-        return folder.result.directory().absoluteFilePath().section(u'/', -1 - unseen);
+        return folder.result.directory().filePath().section(u'/', -1 - unseen);
     }
 
     [[nodiscard]] static QString incompleteNote(const PageFolder& folder)

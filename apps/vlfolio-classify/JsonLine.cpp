@@ -3,6 +3,7 @@
 #include <QtCore/QJsonArray>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
+#include <QtCore/QStringBuilder>
 
 #include <algorithm>
 
@@ -24,7 +25,7 @@ QString written(const QJsonArray& array)
 QString quoted(const QString& text)
 {
     if (std::none_of(text.cbegin(), text.cend(), isEscaped))
-        return u'"' + text + u'"';
+        return u'"' % text % u'"';
     const QString array = written({ text });
     return array.mid(1, array.size() - 2);
 }
@@ -66,16 +67,13 @@ QString jsonLine(const JsonFolder& folder, int prefix)
 {
     const QString path = folder.result.directory().absoluteFilePath();
     const VLEventFolderType type = folder.result.classification();
-    QString line = u"{\"files\":"_s + QString::number(folder.fileCount);
     // Only a folder whose listing is incomplete has this member, so that users can search for it.
-    if (!folder.incomplete.isEmpty())
-        line += u",\"incomplete\":"_s + incompleteNames(folder.incomplete);
-    line += u",\"occasions\":"_s + occasionsOf(folder.result);
-    line += u",\"ownType\":"_s + quoted(folder.reason.ownType.name());
-    line += u",\"path\":"_s + quoted(path);
-    line += u",\"relativePath\":"_s + quoted(path.mid(prefix));
-    line += u",\"tests\":"_s + quoted(folder.reason.tests);
-    line += u",\"type\":"_s + quoted(type.name());
-    line += u",\"value\":"_s + QString::number(static_cast<int>(type.value()));
-    return line + u'}';
+    const QString incomplete = folder.incomplete.isEmpty()
+        ? QString()
+        : u",\"incomplete\":"_s + incompleteNames(folder.incomplete);
+    return u"{\"files\":"_s % QString::number(folder.fileCount) % incomplete % u",\"occasions\":"_s
+        % occasionsOf(folder.result) % u",\"ownType\":"_s % quoted(folder.reason.ownType.name())
+        % u",\"path\":"_s % quoted(path) % u",\"relativePath\":"_s % quoted(path.mid(prefix))
+        % u",\"tests\":"_s % quoted(folder.reason.tests) % u",\"type\":"_s % quoted(type.name())
+        % u",\"value\":"_s % QString::number(static_cast<int>(type.value())) % u'}';
 }

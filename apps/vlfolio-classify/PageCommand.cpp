@@ -43,7 +43,7 @@ QList<PageFolder> classified(const QString& rootPath, const ProgramPlatform& pla
     folders.reserve(results.size());
     for (const VLEventFolderClassificationResult& result : results) {
         reasons.enter(result);
-        const QString path = result.directory().absoluteFilePath();
+        const QString path = result.directory().filePath();
         const qsizetype fileCount = platform.getDirectFilesInDirectory(QDir(path)).size();
         folders.append(
             { result, reasons.reason(), fileCount, incompleteReasonsOf(path, platform) });

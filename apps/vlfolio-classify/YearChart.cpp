@@ -35,7 +35,7 @@ QList<Bar> barsOf(const QList<PageFolder>& folders, qsizetype prefix)
         const bool isYear = folder.isOfType(VLEventFolderTypeEnum::Year);
         path.append(isYear ? bars.size() : path.value(path.size() - 1, none));
         if (isYear)
-            bars.append({ folder.result.directory().absoluteFilePath().mid(prefix), {} });
+            bars.append({ folder.result.directory().filePath().mid(prefix), {} });
         bars[path.constLast()].amount.add(folder);
     }
     std::rotate(bars.begin(), bars.begin() + 1, bars.end());
