@@ -58,20 +58,17 @@ VLPlatform::Listing VLPlatform::listing(const QString& path, Wanted wanted)
 
 VLPlatform::Listing VLPlatform::listingByQt(const QString& path, Wanted wanted)
 {
-    const bool wantsFiles = wanted == Wanted::Files;
-    const QDir::Filters directories = QDir::Dirs | QDir::NoDotAndDotDot;
     Listing listing;
-    QDirIterator entries(path, wantsFiles ? QDir::Files : QDir::Files | directories);
+    QDirIterator entries(path, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     while (entries.hasNext()) {
-        entries.next();
-        const QFileInfo info = entries.fileInfo();
-        // With QDir::Files Qt leaves out what is a directory, without it what is a regular file.
-        if (wantsFiles || !info.isFile())
-            listing.names.append(entries.fileName());
-        if (!wantsFiles && !info.isFile() && info.isSymbolicLink())
-            listing.symlinks.append(entries.fileName());
-        if (!wantsFiles && !info.isDir())
-            ++listing.fileCount;
+        const QFileInfo info = entries.nextFileInfo();
+        // To Qt, a symlink to neither a directory nor a regular file is both.
+        if (wanted == Wanted::Files ? !info.isDir() : !info.isFile()) {
+            listing.names.append(info.fileName());
+            if (info.isSymbolicLink())
+                listing.symlinks.append(info.fileName());
+        }
+        listing.fileCount += info.isDir() ? 0 : 1;
     }
     return listing;
 }

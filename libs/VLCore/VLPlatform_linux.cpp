@@ -51,12 +51,6 @@ QString decoded(QByteArrayView name)
     return decode(name);
 }
 
-// Decoding replaces invalid UTF-8, so that encoding the result gives other bytes.
-bool isUndecodable(QByteArrayView name, const QString& decoded)
-{
-    return decoded.contains(QChar::ReplacementCharacter) && decoded.toUtf8() != name;
-}
-
 /// Reads the entries of one open directory.
 struct Reader
 {
@@ -82,9 +76,6 @@ struct Reader
 
     void addEntries(const char* entries, ssize_t size)
     {
-        // In folders of pictures nearly all entries are files, and most take 32 bytes or more.
-        if (wanted == VLPlatform::Wanted::Files && listing.names.isEmpty())
-            listing.names.reserve(size / 32);
         for (ssize_t offset = 0; offset < size;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + offset);
             if (entry->d_name[0] != '.')
@@ -115,20 +106,18 @@ struct Reader
             VLPlatform::addProblem(listing, ListingProblem::UnknownEntry, found.error);
         else if (wanted == VLPlatform::Wanted::Files ? isFile : isFolder)
             addName(name, isSymlink);
-        else if (isFile)
-            ++listing.fileCount;
+        listing.fileCount += isFile ? 1 : 0;
     }
 
     void addName(QByteArrayView bytes, bool isSymlink)
     {
-        const QString name = decoded(bytes);
-        if (wanted == VLPlatform::Wanted::Directories && isUndecodable(bytes, name)) {
+        if (wanted == VLPlatform::Wanted::Directories && !bytes.isValidUtf8()) {
             VLPlatform::addProblem(listing, ListingProblem::UndecodableName, 0);
             return;
         }
-        listing.names.append(name);
-        if (wanted == VLPlatform::Wanted::Directories && isSymlink)
-            listing.symlinks.append(name);
+        listing.names.append(decoded(bytes));
+        if (isSymlink)
+            listing.symlinks.append(listing.names.constLast());
     }
 
     int descriptor = -1;

@@ -37,9 +37,9 @@ enum class Wanted {
 struct Listing
 {
     QStringList names;
-    /// Those of the names that belong to symlinks; empty if files were wanted.
+    /// Those of the names that belong to symlinks.
     QStringList symlinks;
-    /// How many names there would be if files were wanted; 0 if they were.
+    /// How many names there are if files are wanted.
     qsizetype fileCount = 0;
     /// Each pair of a problem and an error number is in the list once.
     QList<Problem> problems;
