@@ -252,6 +252,8 @@ void tst_failing_calls::programReadsEachFolder_data()
     QTest::newRow("list_once") << QStringList { u"--list"_s } << qsizetype(1) << qsizetype(1);
     QTest::newRow("summary_once") << QStringList { u"--summary"_s } << qsizetype(1) << qsizetype(1);
     QTest::newRow("json_once") << QStringList { u"--json"_s } << qsizetype(1) << qsizetype(1);
+    QTest::newRow("page_once") << QStringList { u"--page=%1/page"_s.arg(m_tree.root()) }
+                               << qsizetype(1) << qsizetype(3);
     QTest::newRow("report_once") << QStringList { u"--no-open"_s } << qsizetype(1) << qsizetype(3);
 }
 
@@ -263,6 +265,7 @@ void tst_failing_calls::programReadsEachFolder()
 
     QProcess program;
     run(program, options, u"open 1 %1 0"_s.arg(forGood));
+    QFile::remove(m_tree.root() + u"/page"_s);
     QCOMPARE(program.exitCode(), 0);
     const QStringList opened =
         QString::fromUtf8(program.readAllStandardError()).split(u'\n', Qt::SkipEmptyParts);
