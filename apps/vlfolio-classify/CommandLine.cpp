@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
+#include <new>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -81,7 +83,9 @@ std::optional<QLocale> localeNamed(const QString& name)
 QString unknownOption(QCommandLineParser& parser, const QStringList& arguments)
 {
     const auto isKnownSoFar = [&](const QString& argument) {
-        parser.parse(arguments.first(&argument - arguments.constData() + 1));
+        QStringList argumentsSoFar;
+        std::copy(arguments.constData(), &argument + 1, std::back_inserter(argumentsSoFar));
+        parser.parse(argumentsSoFar);
         return parser.unknownOptionNames().isEmpty();
     };
     return *std::partition_point(arguments.cbegin(), arguments.cend(), isKnownSoFar);
@@ -191,9 +195,15 @@ QString patternProblem(const QString& pattern)
         return u"it is empty"_s;
     if (pattern.contains(u'/'))
         return u"it holds a slash, but is compared with names, not with paths"_s;
-    return QRegularExpression::fromWildcard(pattern, Qt::CaseSensitive).isValid()
-        ? QString()
-        : u"it is no valid pattern"_s;
+    const auto isValid = [&pattern] {
+        return QRegularExpression::fromWildcard(pattern, Qt::CaseSensitive).isValid();
+    };
+    if (isValid())
+        return {};
+    // There may only have been no memory to compile the pattern.
+    if (isValid())
+        throw std::bad_alloc();
+    return u"it is no valid pattern"_s;
 }
 
 QString readExcluded(const QCommandLineParser& parser, CommandLine& commandLine)

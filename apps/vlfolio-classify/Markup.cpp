@@ -1,6 +1,7 @@
 #include "Markup.h"
 
 #include <algorithm>
+#include <iterator>
 
 using namespace Qt::StringLiterals;
 
@@ -52,8 +53,9 @@ QStringList Markup::folders(const QList<VLEventFolderClassificationResult>& resu
 QString Markup::sentence(const QStringList& folders)
 {
     constexpr qsizetype named = 3;
-    const QString names =
-        u"'%1'"_s.arg(folders.first(std::min(named, folders.size())).join(u"', '"_s));
+    QStringList examples;
+    std::copy_n(folders.cbegin(), std::min(named, folders.size()), std::back_inserter(examples));
+    const QString names = u"'%1'"_s.arg(examples.join(u"', '"_s));
     if (folders.size() == 1)
         return u"1 folder name holds markup that a browser would run: "_s + names;
     const qsizetype more = folders.size() - named;

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <new>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -41,6 +42,9 @@ ProgramPlatform::ProgramPlatform(const QStringList& excluded)
     for (const QString& pattern : excluded) {
         m_exclusions.push_back(
             { pattern, QRegularExpression::fromWildcard(pattern, Qt::CaseSensitive), false });
+        // All patterns are valid if there is memory to compile them.
+        if (!m_exclusions.back().expression.isValid())
+            throw std::bad_alloc();
     }
     setInstance(this);
 }
@@ -184,7 +188,11 @@ bool ProgramPlatform::isExcluded(const QString& name) const
 {
     bool excluded = false;
     for (Exclusion& exclusion : m_exclusions) {
-        if (exclusion.expression.match(name).hasMatch()) {
+        const QRegularExpressionMatch match = exclusion.expression.match(name);
+        // A name that was listed is valid UTF-16, so that only lack of memory remains.
+        if (!match.isValid())
+            throw std::bad_alloc();
+        if (match.hasMatch()) {
             exclusion.matched = true;
             excluded = true;
         }

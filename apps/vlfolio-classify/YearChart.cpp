@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace PageText;
@@ -27,7 +28,8 @@ constexpr int barDistance = 24;
 QList<Bar> barsOf(const QList<PageFolder>& folders, qsizetype prefix)
 {
     constexpr qsizetype none = 0;
-    QList<Bar> bars { Bar { u"in no year"_s, {} } };
+    QList<Bar> bars;
+    bars.append({ u"in no year"_s, {} });
     // For each folder on the path to the current one, the position of the bar that it belongs to.
     QList<qsizetype> path;
     for (const PageFolder& folder : folders) {
@@ -47,7 +49,7 @@ QList<Bar> fitting(const QList<Bar>& bars)
 {
     if (bars.size() <= maximumBars)
         return bars;
-    QList<qsizetype> positions(bars.size());
+    std::vector<qsizetype> positions(static_cast<size_t>(bars.size()));
     std::iota(positions.begin(), positions.end(), 0);
     std::stable_sort(positions.begin(), positions.end(), [&bars](qsizetype one, qsizetype other) {
         return bars.at(one).amount.folders > bars.at(other).amount.folders;

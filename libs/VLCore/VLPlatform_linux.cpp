@@ -132,8 +132,8 @@ QStringList VLPlatform::openCommand(const QString& path, const QStringList& argu
                                     const QString& application)
 {
     if (application.isEmpty())
-        return { u"xdg-open"_s, path };
-    return QStringList { application } + arguments + QStringList { path };
+        return QStringList(u"xdg-open"_s) << path;
+    return QStringList(application) << arguments << path;
 }
 
 VLPlatform::Listing VLPlatform::readEntries(int descriptor, const QString& path, Wanted wanted)

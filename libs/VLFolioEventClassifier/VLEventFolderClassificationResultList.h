@@ -33,8 +33,10 @@ public:
     /// Makes a list of copies of \a results, with a capacity for exactly these.
     VLEventFolderClassificationResultList(
         std::initializer_list<VLEventFolderClassificationResult> results)
-        : QList(results)
     {
+        reserve(static_cast<qsizetype>(results.size()));
+        for (const VLEventFolderClassificationResult& result : results)
+            append(result);
     }
     VL_DEFAULT_COPY_MOVE(VLEventFolderClassificationResultList)
     virtual ~VLEventFolderClassificationResultList();

@@ -1,13 +1,17 @@
 #include "FailingAllocation.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <string_view>
 #include <thread>
 
+#include <dlfcn.h>
 #include <execinfo.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -62,10 +66,36 @@ bool fails()
     return true;
 }
 
+bool isOfTheSystem(std::string_view module)
+{
+    constexpr std::array names { "/libvlfailing", "/libc.so", "/libstdc++", "/libgcc_s", "/ld-" };
+    return std::any_of(names.begin(), names.end(), [module](std::string_view name) {
+        return module.find(name) != std::string_view::npos;
+    });
+}
+
+// Tells in which program or library the process ends.
+void tellWhereItDied(int signal)
+{
+    noteCallers();
+    for (int i = 0; i < callerCount; ++i) {
+        Dl_info info {};
+        if (dladdr(callers[i], &info) == 0 || isOfTheSystem(info.dli_fname))
+            continue;
+        for (const std::string_view text : { "died in ", info.dli_fname, "\n" })
+            static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
+        break;
+    }
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
 [[gnu::constructor]] void armFromEnvironment()
 {
     if (const char* const nth = std::getenv("FAILING_ALLOCATION")) {
         announces = true;
+        std::signal(SIGSEGV, tellWhereItDied);
+        std::signal(SIGABRT, tellWhereItDied);
         FailingAllocation::arm(std::atol(nth), FailingAllocation::Extent::Once);
     }
 }

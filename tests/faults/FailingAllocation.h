@@ -8,7 +8,8 @@
 ///
 /// The environment variable FAILING_ALLOCATION, a number, arms it at the program's begin. The line
 /// "failed" on standard error tells then that this allocation has failed, and other threads than
-/// the first have no memory. No other allocation fails if it is 0.
+/// the first have no memory. No other allocation fails if it is 0. If a signal ends the program,
+/// the line "died in" tells the file of the innermost code that is not of the C or C++ library.
 namespace FailingAllocation {
 
 /// Which allocations fail.
