@@ -147,8 +147,7 @@ QStringList ProgramPlatform::getDirectSubdirectoriesInDirectory(const QDir& dire
 {
     m_walkedFolders.fetch_add(1, std::memory_order_relaxed);
     const QString path = directory.path();
-    // This is noted during the walk, because finding it out again for each folder whose files are
-    // counted would take time.
+    // What the walk finds out here is needed for each folder whose files are counted.
     if (m_expectedDirectory && *m_expectedDirectory == FileIdentity(path))
         m_foldersOfExpected.append(path);
     if (m_symlinks.find(path) != m_symlinks.cend()) {

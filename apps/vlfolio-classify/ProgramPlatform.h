@@ -19,8 +19,8 @@
 #include <vector>
 
 /// The platform service of the program, which is in use for as long as the object lives. As the
-/// walk and the report list folders through it, it leaves out and counts folders, and notes
-/// incomplete listings.
+/// walk and the report list folders through it, it leaves out and counts folders, keeps how many
+/// files they hold, and notes incomplete listings.
 class ProgramPlatform : public VLPlatformIndependent
 {
 public:
@@ -93,7 +93,7 @@ private:
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
     mutable QList<Cycle> m_cycles;
-    // The containers of Qt would end the program when memory runs out.
+    // A QHash, QMap or QSet would end the program when memory runs out.
     mutable std::unordered_map<QString, qsizetype> m_fileCounts;
     mutable std::set<QString> m_symlinks;
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;

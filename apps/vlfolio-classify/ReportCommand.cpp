@@ -109,8 +109,8 @@ void tellMarkup(CommandLine::Opening opening, const QStringList& foldersWithMark
 
 } // namespace
 
-// This does what VLFolioEventClassifier::start() does, in the same order, with two differences: the
-// old report stays until the new one is whole, and the user is told what went wrong.
+// This takes the steps of VLFolioEventClassifier::start() in the same order. But the old report
+// stays until the new one is whole, and the user is told what went wrong.
 int ReportCommand::run(const CommandLine& commandLine, const QString& rootPath)
 {
     const QString reportPath = reportPathFor(commandLine, rootPath);

@@ -103,8 +103,8 @@ public:
     [[nodiscard]] virtual E reducedTo(E mask) const { return E(raw(m_value) & raw(mask)); }
     /// True for every value but 0.
     [[nodiscard]] virtual bool isValid() const { return raw(m_value) != 0; }
-    /// Inserts the names of all values into \a table, which is empty. Called once per process, with
-    /// the lock of enumToStringTable() held, which it therefore must not call.
+    /// Inserts the names of all values into \a table, which is empty. Called until it has
+    /// succeeded once, with the lock of enumToStringTable() held, which it must not call.
     virtual void fillTable(VLEnumToStringTable<E>* table) const = 0;
 
     /// The raw value.

@@ -62,7 +62,7 @@ VLPlatform::Listing VLPlatform::listingByQt(const QString& path, Wanted wanted)
     QDirIterator entries(path, QDir::Files | QDir::Dirs | QDir::NoDotAndDotDot);
     while (entries.hasNext()) {
         const QFileInfo info = entries.nextFileInfo();
-        // To Qt, a symlink to neither a directory nor a regular file is both.
+        // A symlink to neither a directory nor a regular file is listed as both.
         if (wanted == Wanted::Files ? !info.isDir() : !info.isFile()) {
             listing.names.append(info.fileName());
             if (info.isSymbolicLink())

@@ -10,7 +10,8 @@
 
 /// What the libraries need from the desktop and the file system. instance() is the one service of
 /// the process; a host that needs other behaviour derives a service of its own from this class and
-/// passes it to setInstance().
+/// passes it to setInstance(). Its operations are called on the thread that walks or writes a
+/// report, and therefore on several threads at once if several walk.
 ///
 /// \code
 /// class QuietPlatform : public VLPlatformIndependent
@@ -88,8 +89,8 @@ public:
     [[nodiscard]] virtual QStringList
     getDirectSubdirectoriesInDirectory(const QDir& directory) const;
 
-    /// Called after files in \a directory were replaced, so that a host can refresh what it shows.
-    /// The built-in service does nothing.
+    /// Called after a report was to be written in \a directory, whether or not that failed, so that
+    /// a host can refresh what it shows. The built-in service does nothing.
     virtual void directoryContentsChanged(const QDir& directory);
 
 protected:
@@ -102,11 +103,10 @@ protected:
                                    int systemError) const;
 
     /// Called by the built-in getDirectSubdirectoriesInDirectory(), on its thread and before it
-    /// returns, with what it has seen besides. \a symlinks are those of its names that belong to
-    /// symlinks. \a fileCount is how many names getDirectFilesInDirectory() would return, or -1 if
-    /// the listing is incomplete. A host that looks for cycles, for instance, need not ask the file
-    /// system for symlinks, and one that keeps the number need not list the directory once more to
-    /// count its files. The built-in service does nothing.
+    /// returns. \a symlinks are those of its names that belong to symlinks, so that a host can look
+    /// for cycles. \a fileCount is how many names getDirectFilesInDirectory() would return then, or
+    /// -1 if the listing is incomplete. A host that keeps the number can return as many empty names
+    /// from there, and the report lists no directory again. The built-in service does nothing.
     virtual void directoryListed(const QDir& directory, const QStringList& symlinks,
                                  qsizetype fileCount) const;
 };

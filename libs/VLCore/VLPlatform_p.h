@@ -39,7 +39,7 @@ struct Listing
     QStringList names;
     /// Those of the names that belong to symlinks.
     QStringList symlinks;
-    /// How many names there are if files are wanted.
+    /// How many names there would be if files were wanted.
     qsizetype fileCount = 0;
     /// Each pair of a problem and an error number is in the list once.
     QList<Problem> problems;

@@ -25,9 +25,9 @@ public:
     Q_DISABLE_COPY_MOVE(VLSingleton)
 
     /// Returns the object, never null. The first call makes it and then calls its `initialize()`,
-    /// which must not call instance(), because the lock is not recursive. If the constructor
-    /// throws, the next call tries again. The object is never deleted, so the pointer may be kept.
-    /// May be called from any thread, and waits while another makes the object.
+    /// which must not call instance(), because the lock is not recursive. If the constructor (but
+    /// not `initialize()`) throws, the next call tries again. The object is never deleted. May be
+    /// called from any thread, and waits while another makes the object.
     [[nodiscard]] static T* instance();
 };
 
