@@ -78,9 +78,9 @@ bool isOfTheSystem(std::string_view module)
 void tellWhereItDied(int signal)
 {
     noteCallers();
-    for (int i = 0; i < callerCount; ++i) {
+    for (const void* const caller : callers) {
         Dl_info info {};
-        if (dladdr(callers[i], &info) == 0 || isOfTheSystem(info.dli_fname))
+        if (caller == nullptr || dladdr(caller, &info) == 0 || isOfTheSystem(info.dli_fname))
             continue;
         for (const std::string_view text : { "died in ", info.dli_fname, "\n" })
             static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
