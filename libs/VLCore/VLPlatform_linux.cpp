@@ -78,6 +78,7 @@ struct Reader
     {
         for (ssize_t offset = 0; offset < size;) {
             const auto* const entry = reinterpret_cast<const dirent64*>(entries + offset);
+            // Hidden entries are left out, and so are "." and "..".
             if (entry->d_name[0] != '.')
                 addEntry(*entry);
             offset += entry->d_reclen;

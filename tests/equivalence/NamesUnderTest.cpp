@@ -155,14 +155,22 @@ QStringList formattedDates(const QLocale& locale, NamesUnderTest::Extent extent,
     return names;
 }
 
-QStringList calendarWords(const QLocale& locale)
+QStringList dayNames(const QLocale& locale)
 {
     QStringList names;
     for (const QLocale::FormatType formatType : formatTypes) {
-        for (int day = 1; day <= 7; ++day) {
+        for (int day = 1; day <= 7; ++day)
             names.append(locale.dayName(day, formatType));
+    }
+    return names;
+}
+
+QStringList calendarWords(const QLocale& locale)
+{
+    QStringList names = dayNames(locale);
+    for (const QLocale::FormatType formatType : formatTypes) {
+        for (int day = 1; day <= 7; ++day)
             names.append(locale.standaloneDayName(day, formatType));
-        }
         for (int month = 1; month <= 12; ++month) {
             names.append(locale.monthName(month, formatType));
             names.append(locale.standaloneMonthName(month, formatType));
@@ -268,6 +276,7 @@ QStringList NamesUnderTest::ofLocale(const QLocale& locale, Extent extent)
         variedFolders += variationsOf(folder, 1, draw);
     if (all)
         return variedDates + variedWords + variedFolders + oddNames();
-    return dates.first(3) + sampled(variedDates, 70, draw) + sampled(variedWords, 50, draw)
-        + sampled(variedFolders, 25, draw) + sampled(oddNames(), 3, draw);
+    return dates.first(3) + dayNames(locale) + sampled(variedDates, 70, draw)
+        + sampled(variedWords, 50, draw) + sampled(variedFolders, 25, draw)
+        + sampled(oddNames(), 3, draw);
 }
