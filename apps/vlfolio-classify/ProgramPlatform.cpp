@@ -127,14 +127,39 @@ QStringList ProgramPlatform::getDirectFilesInDirectory(const QDir& directory) co
     m_countedFolders.fetch_add(1, std::memory_order_relaxed);
     const QString path = directory.path();
     QStringList files;
-    if (const auto kept = m_fileCounts.find(path); kept != m_fileCounts.cend()) {
-        files.resize(kept->second);
+    if (const auto count = keptFileCount(path)) {
+        files.resize(*count);
         return files;
     }
     files = VLPlatformIndependent::getDirectFilesInDirectory(directory);
     if (isExpectedIn(path) && !files.contains(m_expectedName))
         files.append(m_expectedName);
     return files;
+}
+
+// Folders are asked for in the order of their paths or of the walk, which differ little. The one
+// after the last is therefore tried first: a search takes longer the more folders there are.
+std::optional<qsizetype> ProgramPlatform::keptFileCount(const QString& path) const
+{
+    const auto isBefore = [](const FileCount& one, const FileCount& other) {
+        return one.path < other.path;
+    };
+    if (!std::exchange(m_areFileCountsSorted, true)
+        && !std::is_sorted(m_fileCounts.cbegin(), m_fileCounts.cend(), isBefore))
+        std::sort(m_fileCounts.begin(), m_fileCounts.end(), isBefore);
+    const auto isIt = [&](size_t position) {
+        return position < m_fileCounts.size() && m_fileCounts[position].path == path;
+    };
+    size_t position = m_nextFileCount;
+    if (!isIt(position)) {
+        const auto found = std::lower_bound(m_fileCounts.cbegin(), m_fileCounts.cend(),
+                                            FileCount { path }, isBefore);
+        position = static_cast<size_t>(found - m_fileCounts.cbegin());
+    }
+    if (!isIt(position))
+        return std::nullopt;
+    m_nextFileCount = position + 1;
+    return m_fileCounts[position].files;
 }
 
 bool ProgramPlatform::isExpectedIn(const QString& path) const
@@ -178,7 +203,7 @@ void ProgramPlatform::directoryListed(const QDir& directory, const QStringList& 
         m_symlinks.insert(path.endsWith(u'/') ? path + name : path + u'/' + name);
     // An incomplete listing is tried again, and the expected file is looked for by name.
     if (m_keepsFileCounts && fileCount >= 0 && !isExpectedIn(path))
-        m_fileCounts.emplace(path, fileCount);
+        m_fileCounts.push_back({ path, fileCount });
 }
 
 // All patterns are tried even if one has matched already, because the user is told about each that

@@ -15,7 +15,6 @@
 #include <map>
 #include <optional>
 #include <set>
-#include <unordered_map>
 #include <vector>
 
 /// The platform service of the program, which is in use for as long as the object lives. As the
@@ -79,6 +78,13 @@ private:
         QString folder;
     };
 
+    struct FileCount
+    {
+        QString path;
+        qsizetype files = 0;
+    };
+
+    [[nodiscard]] std::optional<qsizetype> keptFileCount(const QString& path) const;
     [[nodiscard]] bool isExpectedIn(const QString& path) const;
     [[nodiscard]] bool isExcluded(const QString& name) const;
 
@@ -93,8 +99,12 @@ private:
     mutable std::atomic<int> m_countedFolders = 0;
     mutable std::vector<Exclusion> m_exclusions;
     mutable QList<Cycle> m_cycles;
-    // A QHash, QMap or QSet would end the program when memory runs out.
-    mutable std::unordered_map<QString, qsizetype> m_fileCounts;
+    // In the order of the walk, and by path once files are counted.
+    mutable std::vector<FileCount> m_fileCounts;
+    mutable bool m_areFileCountsSorted = false;
+    // Behind the one that was found last.
+    mutable size_t m_nextFileCount = 0;
+    // A QMap or a QSet would end the program when memory runs out.
     mutable std::set<QString> m_symlinks;
     mutable std::map<QString, QList<IncompleteListing>> m_incomplete;
 };
