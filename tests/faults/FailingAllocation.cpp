@@ -78,9 +78,9 @@ bool isOfTheSystem(std::string_view module)
 void tellWhereItDied(int signal)
 {
     noteCallers();
-    for (const void* const caller : callers) {
+    for (const auto* caller = callers.begin(); caller != callers.begin() + callerCount; ++caller) {
         Dl_info info {};
-        if (caller == nullptr || dladdr(caller, &info) == 0 || isOfTheSystem(info.dli_fname))
+        if (dladdr(*caller, &info) == 0 || isOfTheSystem(info.dli_fname))
             continue;
         for (const std::string_view text : { "died in ", info.dli_fname, "\n" })
             static_cast<void>(!write(STDERR_FILENO, text.data(), text.size()));
